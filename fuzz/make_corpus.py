@@ -1,0 +1,158 @@
+#!/usr/bin/env python3
+"""Makes the corpora that the fuzz targets start from.
+
+usage: make_corpus.py FOLDER
+
+Writes FOLDER/fuzz_framers and FOLDER/fuzz_records: sentences made here, one of each log that is
+decoded, and real ones cut from the captures where those are there (beside the checkout, or in the
+folder that the environment variable CORVANE_CAPTURES names).
+"""
+
+import os
+import pathlib
+import struct
+import sys
+import zlib
+
+CAPTURES = pathlib.Path(os.environ.get(
+    "CORVANE_CAPTURES", pathlib.Path(__file__).resolve().parents[2] / "shared" / "data"))
+
+# Logs of a fixed size: identifier, size of the message.
+FIXED_LOGS = {42: 72, 101: 44, 175: 44, 241: 112, 243: 112, 244: 112, 471: 112, 495: 72, 1085: 44,
+              730: 40, 731: 48}
+# Logs of equal blocks: identifier, offset of their number, size of a block. They follow the number.
+LISTS = {37: (0, 108), 43: (0, 44), 83: (12, 40), 93: (4, 16), 174: (24, 4), 317: (0, 44),
+         1162: (0, 16), 1174: (0, 16), 1234: (0, 16)}
+
+ALL_AT_ONCE = bytes([255] * 8)
+BYTE_BY_BYTE = bytes([1] * 8)
+UNEVEN = bytes([0, 3, 17, 1, 200, 11, 64, 2])
+DRAINS, REPAIRS = 1, 2
+
+
+def crc32(data):
+    # zlib's CRC starts with and ends in an inversion; undone, it is the receiver's.
+    return zlib.crc32(data, 0xFFFFFFFF) ^ 0xFFFFFFFF
+
+
+def with_crc(data):
+    return data + struct.pack("<I", crc32(data))
+
+
+def binary(log, message, message_type=0, header_length=28):
+    header = struct.pack("<3sBHBBHHBBHIIHH", b"\xAA\x44\x12", header_length, log, message_type,
+                         0x20, len(message), 0, 133, 180, 1800, 345600500, 0, 0, 3153)
+    return with_crc(header.ljust(header_length, b"\0") + message)
+
+
+def ascii_log(text):
+    return b"#%s*%08x" % (text, crc32(text))
+
+
+def nmea(text):
+    checksum = 0
+    for byte in text:
+        checksum ^= byte
+    return b"$%s*%02X" % (text, checksum)
+
+
+def pattern(size):
+    return bytes((7 * i + 1) & 0xFF for i in range(size))
+
+
+def made_sentences():
+    for log, size in FIXED_LOGS.items():
+        yield f"log{log}", binary(log, pattern(size))
+    yield "log731_slotted", binary(731, pattern(56))
+    for log, (offset, block) in LISTS.items():
+        for count in (0, 1, 3):
+            message = pattern(offset) + struct.pack("<I", count) + pattern(block * count)
+            yield f"log{log}_{count}", binary(log, message)
+        yield f"log{log}_huge", binary(log, pattern(offset) + struct.pack("<I", 0xFFFFFFFF))
+    sets = struct.pack("<II IIIII III", 1, 2, 2, 10, 0, 4, 1, 1, 14, 0)
+    yield "log1148", binary(1148, sets)
+    yield "response", binary(1, struct.pack("<I", 1) + b"OK", 0x80)
+    yield "response_empty", binary(1, b"", 0x80)
+    yield "unknown", binary(9999, pattern(20))
+    yield "long_header", binary(42, pattern(72), header_length=60)
+    yield "header_only", binary(42, b"")[:28]
+    yield "ascii_softload", ascii_log(
+        b"SOFTLOADSTATUSA,COM1,0,97.5,UNKNOWN,0,0.186,004c0001,2d64,3153;NOT_STARTED")
+    yield "ascii_other", ascii_log(b"BESTPOSA,COM1,0,65.5,FINESTEERING,1687,419928.000;SINGLE")
+    yield "nmea", nmea(b"GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,")
+    yield "nmea_short", b"$*2A"
+
+
+def cut(stream):
+    """Yields the sentences of a stream, none of them checked: damaged ones are seeds too."""
+    at = 0
+    while at < len(stream):
+        byte = stream[at]
+        end = at + 1
+        if stream.startswith(b"\xAA\x44\x12", at) and at + 10 <= len(stream):
+            end = at + stream[at + 3] + struct.unpack_from("<H", stream, at + 8)[0] + 4
+            if stream[at + 3] == 28 and end <= len(stream):
+                yield stream[at:end]
+        elif byte in b"#$":
+            ends = [i for i in (stream.find(b"\r", at), stream.find(b"\n", at)) if i >= 0]
+            if ends and min(ends) - at < 1000:
+                yield stream[at:min(ends)]
+        at = end if end <= len(stream) else at + 1
+
+
+def kind(sentence):
+    if sentence[0] != 0xAA:
+        return sentence[:10]
+    return struct.unpack_from("<HB", sentence, 4)
+
+
+def real_sentences():
+    """A few of each kind and length from every capture."""
+    seen = {}
+    number = 0
+    for path in sorted(CAPTURES.glob("*")):
+        if path.suffix == ".md" or not path.is_file():
+            continue
+        for sentence in cut(path.read_bytes()):
+            count = seen[kind(sentence)] = seen.get(kind(sentence), 0) + 1
+            if count <= 3 and len(seen) < 400:
+                number += 1
+                yield f"{path.stem}_{number}", sentence
+
+
+def streams(sentences):
+    """Streams for the framers: what follows the stream says how it is cut."""
+    everything = b"".join(sentence + b"\r\n" for _, sentence in sentences if len(sentence) < 600)
+    for name, sentence in sentences:
+        yield name, sentence + b"\r\n", UNEVEN, DRAINS
+    for i in range(0, len(everything), 3000):
+        yield f"mixed_{i}", everything[i:i + 3000], UNEVEN, 0
+    hostile = {"hashes": b"#" * 200, "dollars": b"$" * 200, "sync": b"\xAA" * 200,
+               "sync_pairs": b"\xAA\x44" * 100, "line_ends": b"#\r$\n" * 50,
+               "empty_headers": (b"\xAA\x44\x12" + bytes(8)) * 20,
+               "long_ascii": b"#" + b"x" * 4097 + b"\r", "long_nmea": b"$" + b"x" * 1025 + b"\r",
+               "longest_ascii": ascii_log(b"x" * 4087) + b"\r",
+               "longest_nmea": nmea(b"x" * 1021) + b"\r",
+               "sync_again": b"\xAA" + binary(42, pattern(72)),
+               "sync_lost": b"\xAA\x44" + binary(42, pattern(72))}
+    for name, stream in hostile.items():
+        yield name, stream, ALL_AT_ONCE, DRAINS
+        yield name + "_bytes", stream, BYTE_BY_BYTE, DRAINS | REPAIRS
+
+
+def main():
+    if len(sys.argv) != 2:
+        sys.exit(__doc__)
+    folder = pathlib.Path(sys.argv[1])
+    sentences = list(made_sentences()) + list(real_sentences())
+    for name in ("fuzz_framers", "fuzz_records"):
+        (folder / name).mkdir(parents=True, exist_ok=True)
+    for name, sentence in sentences:
+        (folder / "fuzz_records" / name).write_bytes(sentence)
+    for name, stream, lengths, flags in streams(sentences):
+        (folder / "fuzz_framers" / name).write_bytes(stream + lengths + bytes([flags]))
+    print(f"{folder}: {len(sentences)} sentences")
+
+
+if __name__ == "__main__":
+    main()

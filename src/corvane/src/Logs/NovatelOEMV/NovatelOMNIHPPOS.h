@@ -1,0 +1,13 @@
+// OMNIHPPOS: the high-precision L-band service's solution, geodetic.
+#pragma once
+
+#include "Logs/NovatelOEMV/NovatelGeodeticLog.h"
+
+namespace Novatel {
+
+class CNovatelOMNIHPPOS : public virtual CNovatelGeodeticLog {
+protected:
+    CNovatelOMNIHPPOS() = default;
+};
+
+} // namespace Novatel

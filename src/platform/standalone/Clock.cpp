@@ -1,0 +1,10 @@
+#include "Clock.h"
+
+namespace Core {
+
+SClockHooks& ClockHooks() {
+    static constinit SClockHooks hooks;
+    return hooks;
+}
+
+} // namespace Core

@@ -1,0 +1,132 @@
+#include "JSONValue.h"
+
+#include "JSONText.h"
+
+#include <cstdint>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using nlohmann::json;
+
+/// Builds the value while the text is parsed. Open lists and dictionaries are kept here and not on
+/// the program's stack, and parsing ends where they get too deep.
+class CValueBuilder : public json::json_sax_t {
+public:
+    BAtomC TakeValue() { return std::move(m_value); }
+
+    bool null() override { return Place(BAtomC()); }
+    bool boolean(bool) override { return Place(BAtomC()); }
+    bool number_integer(number_integer_t value) override {
+        if (value < std::numeric_limits<std::int32_t>::min()) {
+            return Place(static_cast<double>(value));
+        }
+        return Place(static_cast<std::int32_t>(value)); // never above zero here
+    }
+    bool number_unsigned(number_unsigned_t value) override {
+        if (value > std::uint64_t{std::numeric_limits<std::int32_t>::max()}) {
+            return Place(static_cast<double>(value));
+        }
+        return Place(static_cast<std::int32_t>(value));
+    }
+    bool number_float(number_float_t value, const string_t&) override { return Place(value); }
+    bool string(string_t& value) override { return Place(std::move(value)); }
+    bool binary(binary_t&) override { return false; }
+
+    bool start_object(std::size_t) override { return Begin(); }
+    bool key(string_t& name) override {
+        m_open.back().name = std::move(name);
+        return true;
+    }
+    bool end_object() override { return Place(Finish().dictionary); }
+    bool start_array(std::size_t) override { return Begin(); }
+    bool end_array() override { return Place(Finish().list); }
+    bool parse_error(std::size_t, const std::string&, const json::exception&) override {
+        return false;
+    }
+
+private:
+    struct SOpen {
+        BListC list;
+        BDictionaryC dictionary;
+        std::optional<std::string> name; ///< of the dictionary's next value
+    };
+
+    bool Begin() {
+        m_open.emplace_back();
+        return m_open.size() <= JSONValue::kMaxDepth;
+    }
+
+    SOpen Finish() {
+        SOpen finished = std::move(m_open.back());
+        m_open.pop_back();
+        return finished;
+    }
+
+    bool Place(BAtomC value) {
+        if (m_open.empty()) {
+            m_value = std::move(value);
+        } else if (SOpen& open = m_open.back(); open.name) {
+            open.dictionary.Set(std::move(*open.name), std::move(value));
+        } else {
+            open.list.Append(std::move(value));
+        }
+        return true;
+    }
+
+    std::vector<SOpen> m_open;
+    BAtomC m_value;
+};
+
+void AppendList(std::string& out, const BListC& list) {
+    out += "[";
+    const char* separator = "";
+    for (const BAtomC& value : list) {
+        out += std::exchange(separator, ",");
+        JSONValue::Append(out, value);
+    }
+    out += "]";
+}
+
+void AppendDictionary(std::string& out, const BDictionaryC& dictionary) {
+    out += '{';
+    const char* separator = "";
+    for (const auto& [name, value] : dictionary) {
+        out += std::exchange(separator, ",");
+        JSONText::AppendString(out, name);
+        out += ':';
+        JSONValue::Append(out, value);
+    }
+    out += '}';
+}
+
+} // namespace
+
+std::optional<BAtomC> JSONValue::Read(std::string_view text) {
+    // The parser would take a zero byte for the end of the text and not look at what follows.
+    if (text.find('\0') != std::string_view::npos) {
+        return std::nullopt;
+    }
+    CValueBuilder builder;
+    if (!json::sax_parse(text.begin(), text.end(), &builder)) {
+        return std::nullopt;
+    }
+    return builder.TakeValue();
+}
+
+void JSONValue::Append(std::string& out, const BAtomC& value) {
+    if (const BListC* list = value.AsList()) {
+        AppendList(out, *list);
+    } else if (const BDictionaryC* dictionary = value.AsDictionary()) {
+        AppendDictionary(out, *dictionary);
+    } else if (const std::string* text = value.AsText()) {
+        JSONText::AppendString(out, *text);
+    } else if (const std::optional<double> number = value.AsDouble()) {
+        JSONText::AppendDouble(out, *number);
+    } else {
+        out += "null";
+    }
+}

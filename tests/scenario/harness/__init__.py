@@ -1,0 +1,1 @@
+"""What the scenario tests are made of: the daemon, its peers and a machine of their own."""

@@ -1,0 +1,96 @@
+#include "platform/SocketCollection.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class CFakeSocket : public SocketC {
+public:
+    CFakeSocket(int descriptor, bool wantsToWrite)
+        : m_descriptor(descriptor), m_wantsToWrite(wantsToWrite) {}
+
+    int Descriptor() const override { return m_descriptor; }
+    bool WantsToWrite() const override { return m_wantsToWrite; }
+    void Service(bool readable, bool writable) override {
+        ++services;
+        wasReadable = readable;
+        wasWritable = writable;
+    }
+    void EndPass() override { ++endedPasses; }
+
+    int services = 0;
+    int endedPasses = 0;
+    bool wasReadable = false;
+    bool wasWritable = false;
+
+private:
+    int m_descriptor;
+    bool m_wantsToWrite;
+};
+
+class SocketCollection : public testing::Test {
+protected:
+    SocketCollection() {
+        FD_ZERO(&m_readSet);
+        FD_ZERO(&m_writeSet);
+    }
+
+    SocketCollectionC m_collection;
+    fd_set m_readSet;
+    fd_set m_writeSet;
+};
+
+} // namespace
+
+TEST_F(SocketCollection, has_no_highest_descriptor_when_it_is_empty) {
+    EXPECT_EQ(m_collection.AddToSets(m_readSet, m_writeSet), -1);
+}
+
+TEST_F(SocketCollection, watches_every_member_for_reading_and_writers_for_writing) {
+    CFakeSocket reader(5, false);
+    CFakeSocket writer(3, true);
+    m_collection.Add(&reader);
+    m_collection.Add(&writer);
+    EXPECT_EQ(m_collection.AddToSets(m_readSet, m_writeSet), 5);
+    EXPECT_TRUE(FD_ISSET(5, &m_readSet));
+    EXPECT_TRUE(FD_ISSET(3, &m_readSet));
+    EXPECT_FALSE(FD_ISSET(5, &m_writeSet));
+    EXPECT_TRUE(FD_ISSET(3, &m_writeSet));
+}
+
+TEST_F(SocketCollection, leaves_out_what_has_no_descriptor_or_does_not_fit_a_set) {
+    CFakeSocket absent(-1, true);
+    CFakeSocket tooHigh(FD_SETSIZE, true);
+    m_collection.Add(&absent);
+    m_collection.Add(&tooHigh);
+    EXPECT_EQ(m_collection.AddToSets(m_readSet, m_writeSet), -1);
+    m_collection.Service(m_readSet, m_writeSet);
+    EXPECT_EQ(tooHigh.services, 1);
+    EXPECT_FALSE(tooHigh.wasReadable);
+}
+
+TEST_F(SocketCollection, serves_every_member_once_a_pass_ready_or_not) {
+    CFakeSocket ready(4, false);
+    CFakeSocket idle(6, true);
+    m_collection.Add(&ready);
+    m_collection.Add(&idle);
+    FD_SET(4, &m_readSet);
+    FD_SET(6, &m_writeSet);
+    m_collection.Service(m_readSet, m_writeSet);
+    EXPECT_EQ(ready.services, 1);
+    EXPECT_TRUE(ready.wasReadable);
+    EXPECT_FALSE(ready.wasWritable);
+    EXPECT_EQ(idle.services, 1);
+    EXPECT_FALSE(idle.wasReadable);
+    EXPECT_TRUE(idle.wasWritable);
+}
+
+TEST_F(SocketCollection, tells_members_the_end_of_a_pass_until_they_are_removed) {
+    CFakeSocket socket(4, false);
+    m_collection.Add(&socket);
+    m_collection.EndPass();
+    m_collection.Remove(&socket);
+    m_collection.EndPass();
+    EXPECT_EQ(socket.endedPasses, 1);
+    EXPECT_EQ(m_collection.AddToSets(m_readSet, m_writeSet), -1);
+}
