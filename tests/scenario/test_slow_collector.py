@@ -113,7 +113,7 @@ class OfflineRun(Scenario):
 
     def wait_until_it_waits(self, daemon: Daemon) -> None:
         """Until the trace has stood still for a while."""
-        daemon.wait_for_passes(1)
+        wait_until("a first pass", lambda: daemon.passes() > 0)
         last = [daemon.passes(), time.monotonic()]
 
         def stands_still() -> bool:
