@@ -115,8 +115,7 @@ int RunDaemon(const HandlerSettings& settings) {
     auto* const sockets = new SocketCollectionC;
     sockets->Add(&ServiceLink::Socket());
     mainHandler->Start();
-    logger->SetIdleParameters(
-        settings.Config().GetDouble("Corvane", "idle_delay_threshold", 0.0));
+    logger->SetIdleParameters(settings.Config().GetDouble("Corvane", "idle_delay_threshold", 0.0));
     if (settings.IsRawFile() || settings.IsReplay()) {
         ServiceLink::BeginOfflineRun();
     }

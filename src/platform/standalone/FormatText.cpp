@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <string_view>
 
 namespace {
 
@@ -26,26 +25,19 @@ __attribute__((format(printf, 1, 0))) std::string FormatAny(const char* format, 
     return text;
 }
 
-/// A number as `std::to_chars` writes it, into a buffer that holds any.
-class CNumberText {
-public:
-    explicit CNumberText(int number)
-        : m_end(std::to_chars(m_buffer, m_buffer + sizeof m_buffer, number).ptr) {}
-    /// Six decimals, as "%f" has them.
-    explicit CNumberText(double number)
-        : m_end(std::to_chars(m_buffer, m_buffer + sizeof m_buffer, number,
-                              std::chars_format::fixed, 6)
-                    .ptr) {}
+void AppendInteger(std::string& text, int number) {
+    char buffer[16];
+    text.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, number).ptr);
+}
 
-    std::string_view Text() const {
-        return {m_buffer, static_cast<std::size_t>(m_end - m_buffer)};
-    }
-
-private:
-    /// The largest double has 309 digits before its point.
-    char m_buffer[328];
-    char* m_end;
-};
+/// Six decimals, as "%f" has them.
+void AppendFixed(std::string& text, double number) {
+    // The largest double has 309 digits before its point.
+    char buffer[328];
+    const auto result =
+        std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::fixed, 6);
+    text.append(buffer, result.ptr);
+}
 
 /// Does the plain "%d" and "%lf", of which a capture's every record takes three; false on others.
 bool FormatPlain(std::string& text, const char* format, va_list arguments) {
@@ -53,14 +45,14 @@ bool FormatPlain(std::string& text, const char* format, va_list arguments) {
          percent = std::strchr(format, '%')) {
         text.append(format, percent);
         if (percent[1] == 'd') {
-            text += CNumberText(va_arg(arguments, int)).Text();
+            AppendInteger(text, va_arg(arguments, int));
             format = percent + 2;
         } else if (percent[1] == 'l' && percent[2] == 'f') {
             const double number = va_arg(arguments, double);
             if (!std::isfinite(number)) {
                 return false;
             }
-            text += CNumberText(number).Text();
+            AppendFixed(text, number);
             format = percent + 3;
         } else {
             return false;

@@ -18,7 +18,7 @@
 namespace {
 
 /// So much is made ready for one write.
-constexpr std::size_t kWriteSize = 128 * 1024;
+constexpr std::size_t kWriteSize = std::size_t{128} * 1024;
 
 timespec AsTimespec(Core::Time span) {
     const std::int64_t nanoseconds = std::max<std::int64_t>(span.AsNanoseconds(), 0);

@@ -1,4 +1,5 @@
-// The one connection of a process to the services: connecting, sending, reading, all without waiting.
+// The one connection of a process to the services: connecting, sending, reading, all without
+// waiting.
 #pragma once
 
 #include "LinkQueue.h"
@@ -23,7 +24,7 @@ public:
     static constexpr Core::Time kFinishLimit = Core::Time::FromMilliseconds(2000);
     static constexpr Core::Time kActivityInterval = Core::Time::FromMilliseconds(1000);
     /// The longest line that is read.
-    static constexpr std::size_t kMaxLine = 1024 * 1024;
+    static constexpr std::size_t kMaxLine = std::size_t{1024} * 1024;
 
     /// The link of this process, to the services' port. It lives as long as the process.
     static CHubLink& Get();

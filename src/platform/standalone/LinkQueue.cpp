@@ -138,7 +138,8 @@ CLinkQueue::Queue* CLinkQueue::OldestQueue() {
 CLinkQueue::SWaiting& CLinkQueue::Push(Queue& queue, const SLinkMessage& message) {
     const std::size_t size = message.EstimatedSize();
     m_waitingBytes += size;
-    return queue.emplace_back(SWaiting{message, m_sequence++, size, EPriority::transient, nullptr});
+    queue.push_back({message, m_sequence++, size, EPriority::transient, nullptr});
+    return queue.back();
 }
 
 void CLinkQueue::MakeRoom() {

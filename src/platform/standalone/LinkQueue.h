@@ -17,7 +17,7 @@ class CLinkQueue {
 public:
     /// At most so much waits, estimated as the length of the lines to come. State that no newer
     /// one replaces may pass it: there is one of each key.
-    static constexpr std::size_t kCapacity = 1024 * 1024;
+    static constexpr std::size_t kCapacity = std::size_t{1024} * 1024;
 
     enum class EPriority {
         line,      ///< waits for a connection; the oldest is dropped first when there are too many

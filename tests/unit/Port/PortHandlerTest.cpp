@@ -58,9 +58,7 @@ std::string BytesOf(const Bytes::Sentence& sentence) {
 
 TEST_F(PortHandler, tells_that_it_has_started_and_that_it_ended) {
     EXPECT_EQ(Status("started"), Texts{"started"});
-    {
-        const Novatel::CPortHandler other("Other", m_config);
-    }
+    { const Novatel::CPortHandler other("Other", m_config); }
     EXPECT_EQ(m_published.Texts("\"name\":\"Other\",\"level\":\"essential\",\"key\":\"started\""),
               (Texts{"started", "exitted"}));
 }

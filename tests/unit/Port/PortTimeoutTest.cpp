@@ -13,10 +13,12 @@ protected:
     using PortHandler::PortHandler;
 
     int TimeoutDiagnostics() const {
-        return m_published.Count(R"(diagnostics.raise "name":"Port","code":90001,"sub":0,"value":1)");
+        return m_published.Count(
+            R"(diagnostics.raise "name":"Port","code":90001,"sub":0,"value":1)");
     }
     int RepeatDiagnostics() const {
-        return m_published.Count(R"(diagnostics.raise "name":"Port","code":90002,"sub":0,"value":1)");
+        return m_published.Count(
+            R"(diagnostics.raise "name":"Port","code":90002,"sub":0,"value":1)");
     }
 };
 
@@ -66,8 +68,7 @@ TEST_F(PortTimeout, does_not_count_bytes_rejected_or_unknown_sentences_as_a_sign
     Pass(9.0);
     Receive(std::string_view("noise"));
     Receive(Bestpos().wrongCRC().bytes());
-    Receive(std::string(reinterpret_cast<const char*>(
-                            Sentences::AsciiLog("BESTPOSA", "x").data()),
+    Receive(std::string(reinterpret_cast<const char*>(Sentences::AsciiLog("BESTPOSA", "x").data()),
                         Sentences::AsciiLog("BESTPOSA", "x").size()) +
             "\n");
     Pass(1.0);

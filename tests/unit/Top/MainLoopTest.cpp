@@ -135,8 +135,7 @@ TEST_F(MainLoop, pauses_10_ms_after_each_failure_that_follows_another_within_hal
     m_secondSource.readsUntilEnd = 3;
     Run();
     // The first failure is isolated; then the first source fails twice and the second twice more.
-    EXPECT_EQ(m_clock.Pauses(),
-              std::vector<Core::Time>(4, Core::Time::FromMilliseconds(10)));
+    EXPECT_EQ(m_clock.Pauses(), std::vector<Core::Time>(4, Core::Time::FromMilliseconds(10)));
 }
 
 TEST_F(MainLoop, does_not_pause_after_failures_half_a_second_apart) {

@@ -30,8 +30,8 @@ __attribute__((format(printf, 1, 2))) std::string ByTheCLibrary(const char* form
 } // namespace
 
 TEST(FormatText, writes_integers_as_printf_does) {
-    for (const int number : {0, 1, -1, 42, std::numeric_limits<int>::max(),
-                             std::numeric_limits<int>::min()}) {
+    for (const int number :
+         {0, 1, -1, 42, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
         EXPECT_EQ(Formatted("%d", number), ByTheCLibrary("%d", number));
         EXPECT_EQ(Formatted("a%d,%db", number, number), ByTheCLibrary("a%d,%db", number, number));
     }

@@ -2,8 +2,11 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -42,8 +45,31 @@ void CTestHub::Serve() {
         if (count <= 0) {
             break;
         }
-        m_bytes.append(buffer, static_cast<std::size_t>(count));
+        Take(buffer, static_cast<std::size_t>(count));
     }
+}
+
+void CTestHub::ServeUntilTheEnd() {
+    while (!m_clientClosed) {
+        pollfd watched{m_client >= 0 ? m_client : m_listener, POLLIN, 0};
+        poll(&watched, 1, 1000);
+        Serve();
+    }
+}
+
+void CTestHub::Take(const char* bytes, std::size_t count) {
+    m_partialLine.append(bytes, count);
+    std::size_t start = 0;
+    for (std::size_t end = m_partialLine.find('\n'); end != std::string::npos;
+         end = m_partialLine.find('\n', start)) {
+        m_lines.push_back(m_partialLine.substr(start, end - start));
+        const auto message = nlohmann::json::parse(m_lines.back());
+        const auto& params = message["params"];
+        m_messages.push_back(
+            {message["method"], params.value("value", params.value("text", std::string()))});
+        start = end + 1;
+    }
+    m_partialLine.erase(0, start);
 }
 
 void CTestHub::Send(const std::string& line) {
@@ -65,29 +91,18 @@ void CTestHub::StopListening() {
     }
 }
 
-std::vector<std::string> CTestHub::Lines() const {
-    std::vector<std::string> lines;
-    std::size_t start = 0;
-    for (std::size_t end = m_bytes.find('\n'); end != std::string::npos;
-         end = m_bytes.find('\n', start)) {
-        lines.push_back(m_bytes.substr(start, end - start));
-        start = end + 1;
-    }
-    return lines;
-}
-
 std::vector<std::string> CTestHub::Texts(const std::string& method) const {
     std::vector<std::string> texts;
-    for (const std::string& line : Lines()) {
-        const auto message = nlohmann::json::parse(line);
-        if (message["method"] == method) {
-            const auto& params = message["params"];
-            texts.push_back(params.value("value", params.value("text", std::string())));
+    for (const SMessage& message : m_messages) {
+        if (message.method == method) {
+            texts.push_back(message.text);
         }
     }
     return texts;
 }
 
 int CTestHub::Count(const std::string& method) const {
-    return static_cast<int>(Texts(method).size());
+    return static_cast<int>(
+        std::count_if(m_messages.begin(), m_messages.end(),
+                      [&method](const SMessage& message) { return message.method == method; }));
 }

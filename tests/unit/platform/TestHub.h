@@ -16,6 +16,8 @@ public:
 
     /// Accepts a client that is there, and reads what is there.
     void Serve();
+    /// The same until the client has closed its side, waiting for it.
+    void ServeUntilTheEnd();
     void SetReading(bool isReading) { m_isReading = isReading; }
     void Send(const std::string& line);
     /// Closes the client's connection; what was not read is lost.
@@ -25,18 +27,26 @@ public:
 
     bool HasClient() const { return m_client >= 0; }
     bool ClientHasClosed() const { return m_clientClosed; }
-    const std::string& Bytes() const { return m_bytes; }
-    std::vector<std::string> Lines() const;
+    const std::vector<std::string>& Lines() const { return m_lines; }
     /// The "value" or "text" members of the lines of one method, in order.
     std::vector<std::string> Texts(const std::string& method) const;
     /// How many lines of the method arrived.
     int Count(const std::string& method) const;
 
 private:
+    void Take(const char* bytes, std::size_t count);
+
+    struct SMessage {
+        std::string method;
+        std::string text;
+    };
+
     int m_listener = -1;
     int m_client = -1;
     int m_port = 0;
     bool m_isReading = true;
     bool m_clientClosed = false;
-    std::string m_bytes;
+    std::string m_partialLine;
+    std::vector<std::string> m_lines;
+    std::vector<SMessage> m_messages; ///< of the lines, parsed as they came
 };

@@ -23,7 +23,8 @@ bool CInputOutputHandler::SetReadSize(std::int32_t readSize) {
     return true;
 }
 
-void CInputOutputHandler::SendBreak(double) {}
+void CInputOutputHandler::SendBreak(double) {
+}
 
 bool CInputOutputHandler::SetBaudRate(std::int32_t) {
     return true;

@@ -21,7 +21,8 @@ public:
     virtual bool Close() = 0;
     virtual bool IsOpen() const = 0;
 
-    /// What is there at once, up to `count` bytes; empty when there is nothing or the source failed.
+    /// What is there at once, up to `count` bytes; empty when there is nothing or the source
+    /// failed.
     virtual std::string Read(std::int32_t count) = 0;
     /// The same with the read size, which is at most kMaxReadSize; 0 and below read nothing.
     virtual std::string Read();

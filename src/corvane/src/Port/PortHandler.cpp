@@ -29,7 +29,9 @@ int Low32(std::uint64_t count) {
 } // namespace
 
 CPortHandler::CPortHandler(const std::string& name, CConfig& config)
-    : m_name(name), m_logger(name), m_diagnostics(name),
+    : m_name(name),
+      m_logger(name),
+      m_diagnostics(name),
       m_portTimer(Core::MonotonicTime::Now() + kStartTimeout),
       m_portTimeout(config.GetInteger("Corvane", "serial_port_timeout", 10)) {
     m_logger.SetEssentialStatus("started", "started");
@@ -118,8 +120,7 @@ void CPortHandler::PublishChecksums() {
 /// else still times out.
 void CPortHandler::ProcessSentence() {
     m_diagnostics.SignalActivity();
-    const std::unique_ptr<CGPSRecord> record(
-        CreateRecord(m_sentence, ECRCCheck::alreadyPassed));
+    const std::unique_ptr<CGPSRecord> record(CreateRecord(m_sentence, ECRCCheck::alreadyPassed));
     if (record == nullptr) {
         return;
     }

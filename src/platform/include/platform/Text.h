@@ -1,4 +1,5 @@
-// Text helpers of the platform: reading numbers as the configuration and the command line mean them.
+// Text helpers of the platform: reading numbers as the configuration and the command line mean
+// them.
 #pragma once
 
 #include <cstdint>

@@ -49,7 +49,9 @@ public:
     constexpr bool IsZero() const { return m_sinceStart == Time(); }
 
     constexpr auto operator<=>(const MonotonicTime&) const = default;
-    constexpr MonotonicTime operator+(Time span) const { return MonotonicTime(m_sinceStart + span); }
+    constexpr MonotonicTime operator+(Time span) const {
+        return MonotonicTime(m_sinceStart + span);
+    }
     constexpr Time operator-(MonotonicTime earlier) const {
         return m_sinceStart - earlier.m_sinceStart;
     }
@@ -83,11 +85,12 @@ class GPSTime {
 public:
     constexpr GPSTime() = default;
 
-    /// Adds the leap seconds that had been inserted by then (IERS Bulletin C; table in GPSTime.cpp).
-    /// A moment before the GPS epoch gives the epoch.
+    /// Adds the leap seconds that had been inserted by then (IERS Bulletin C; table in
+    /// GPSTime.cpp). A moment before the GPS epoch gives the epoch.
     static GPSTime FromUnixTime(UnixTime time);
 
-    /// `week` counts from the GPS epoch without roll-over; `seconds` of week may lie outside a week.
+    /// `week` counts from the GPS epoch without roll-over; `seconds` of week may lie outside a
+    /// week.
     static GPSTime FromWeekSeconds(std::uint32_t week, double seconds);
 
     /// Writes the week and the seconds of week, from 0 to below 604800.

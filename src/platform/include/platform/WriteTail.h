@@ -15,7 +15,7 @@ class WriteTail {
 public:
     /// At most this many bytes wait; a write that would leave more, had none of it gone at once,
     /// is refused whole. So a single write of more than this is always refused.
-    static constexpr std::size_t kCapacity = 256 * 1024;
+    static constexpr std::size_t kCapacity = std::size_t{256} * 1024;
     /// A tail of which nothing leaves for so long is a failed write.
     static constexpr Time kStallLimit = Time::FromMilliseconds(10'000);
 
