@@ -7,11 +7,13 @@
 
 class CRemoteLogger::Impl {
 public:
-    explicit Impl(const std::string& name) : m_name(name), m_link(CHubLink::Get()) {
+    explicit Impl(const std::string& name) : m_link(CHubLink::Get()) {
         m_link.AddName(name);
+        AppendMember(m_nameMember, "name", name);
     }
 
-    const std::string& Name() const { return m_name; }
+    /// The member that begins every message's params, as JSON.
+    const std::string& NameMember() const { return m_nameMember; }
     CHubLink& Link() { return m_link; }
 
     /// A status is published thousands of times a second when a capture is read: found by its key
@@ -19,8 +21,7 @@ public:
     CLinkQueue::SState& Status(ELevel level, const std::string& key) {
         CLinkQueue::SState*& state = m_states[static_cast<int>(level)][key];
         if (state == nullptr) {
-            std::string members;
-            AppendMember(members, "name", m_name);
+            std::string members = m_nameMember;
             AppendMember(members, "level",
                          std::string(level == ELevel::essential ? "essential" : "info"));
             AppendMember(members, "key", key);
@@ -30,7 +31,7 @@ public:
     }
 
 private:
-    std::string m_name;
+    std::string m_nameMember;
     CHubLink& m_link;
     std::unordered_map<std::string, CLinkQueue::SState*> m_states[2];
 };
@@ -47,7 +48,7 @@ void CRemoteLogger::PublishStatus(ELevel level, const std::string& key, std::str
 void CRemoteLogger::PublishData(const std::string& key, double time, std::string value) {
     SLinkMessage message;
     message.method = "logger.data";
-    AppendMember(message.members, "name", m_impl->Name());
+    message.members = m_impl->NameMember();
     AppendMember(message.members, "key", key);
     message.textKind = SLinkMessage::EText::value;
     message.text = std::move(value);
@@ -58,7 +59,7 @@ void CRemoteLogger::PublishData(const std::string& key, double time, std::string
 void CRemoteLogger::PublishEvent(ESeverity severity, std::string text) {
     SLinkMessage message;
     message.method = "logger.event";
-    AppendMember(message.members, "name", m_impl->Name());
+    message.members = m_impl->NameMember();
     AppendMember(message.members, "level",
                  std::string(severity == ESeverity::warning ? "warning" : "error"));
     AppendMember(message.members, "text", text);
