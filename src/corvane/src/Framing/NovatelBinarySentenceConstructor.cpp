@@ -28,10 +28,8 @@ std::size_t ExpectedLength(ByteSpan sentence) {
 
 bool HasRightCRC(ByteSpan sentence) {
     const ByteSpan crc = sentence.last<kCRCSize>();
-    const std::uint32_t received =
-        static_cast<std::uint32_t>(crc[0]) | static_cast<std::uint32_t>(crc[1]) << 8 |
-        static_cast<std::uint32_t>(crc[2]) << 16 | static_cast<std::uint32_t>(crc[3]) << 24;
-    return Bytes::CalculateCRC32(sentence.data(), sentence.size() - kCRCSize) == received;
+    return Bytes::CalculateCRC32(sentence.data(), sentence.size() - kCRCSize) ==
+           Bytes::ToUInt32(crc.data());
 }
 
 } // namespace
