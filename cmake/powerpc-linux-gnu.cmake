@@ -8,4 +8,7 @@ set(CMAKE_FIND_ROOT_PATH /usr/powerpc-linux-gnu)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-ppc -L /usr/powerpc-linux-gnu)
+# With a libm that the emulator takes, made by the main CMakeLists.txt.
+set(CORVANE_EMULATOR_LIBRARIES ${CMAKE_BINARY_DIR}/emulator)
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-ppc -L /usr/powerpc-linux-gnu
+    -E LD_LIBRARY_PATH=${CORVANE_EMULATOR_LIBRARIES})
