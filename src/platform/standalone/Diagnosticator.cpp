@@ -2,7 +2,9 @@
 
 #include "HubLink.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace Diagnosticator {
 
@@ -13,19 +15,20 @@ public:
     Impl(const Impl&) = delete;
     Impl& operator=(const Impl&) = delete;
 
-    /// Raised and cleared are two values of one state: only the last is told again.
-    void Publish(const char* method, SDescriptor descriptor, const std::int32_t* value) {
-        std::string members;
-        AppendMember(members, "name", m_name);
-        AppendMember(members, "code", static_cast<long long>(descriptor.code));
-        AppendMember(members, "sub", static_cast<long long>(descriptor.sub));
-        CLinkQueue::SState& state = m_link.State("diagnostic " + members, method, members);
-        if (value != nullptr) {
-            AppendMember(members, "value", static_cast<long long>(*value));
-        }
-        state.message.method = method;
-        state.message.members = std::move(members);
-        m_link.Publish(state);
+    void Raise(SDescriptor descriptor, std::int32_t value) {
+        SDiagnostic& diagnostic = Find(descriptor);
+        SLinkMessage& message = diagnostic.state->message;
+        message.method = "diagnostics.raise";
+        message.members = diagnostic.members;
+        AppendMember(message.members, "value", static_cast<long long>(value));
+        m_link.Publish(*diagnostic.state);
+    }
+
+    void Clear(SDescriptor descriptor) {
+        SDiagnostic& diagnostic = Find(descriptor);
+        diagnostic.state->message.method = kClear;
+        diagnostic.state->message.members = diagnostic.members;
+        m_link.Publish(*diagnostic.state);
     }
 
     void CountReceived() { ++m_received; }
@@ -39,6 +42,29 @@ public:
     }
 
 private:
+    static constexpr char kClear[] = "diagnostics.clear";
+
+    /// Raised and cleared are two values of one state: only the last is told again.
+    struct SDiagnostic {
+        SDescriptor descriptor;
+        std::string members;
+        CLinkQueue::SState* state;
+    };
+
+    /// An owner has a handful of diagnostics, and may call with each record.
+    SDiagnostic& Find(SDescriptor descriptor) {
+        const auto known = std::ranges::find(m_diagnostics, descriptor, &SDiagnostic::descriptor);
+        if (known != m_diagnostics.end()) {
+            return *known;
+        }
+        std::string members;
+        AppendMember(members, "name", m_name);
+        AppendMember(members, "code", static_cast<long long>(descriptor.code));
+        AppendMember(members, "sub", static_cast<long long>(descriptor.sub));
+        CLinkQueue::SState& state = m_link.State("diagnostic " + members, kClear, members);
+        return m_diagnostics.emplace_back(descriptor, std::move(members), &state);
+    }
+
     void ReportActivity() {
         SLinkMessage message;
         message.method = "diagnostics.activity";
@@ -50,6 +76,7 @@ private:
 
     std::string m_name;
     CHubLink& m_link;
+    std::vector<SDiagnostic> m_diagnostics;
     bool m_isWatched = false;
     long long m_received = 0;
     long long m_sentences = 0;
@@ -62,11 +89,11 @@ CDiagnosticatorAPI::CDiagnosticatorAPI(const std::string& name)
 CDiagnosticatorAPI::~CDiagnosticatorAPI() = default;
 
 void CDiagnosticatorAPI::Raise(SDescriptor descriptor, std::int32_t value) {
-    m_impl->Publish("diagnostics.raise", descriptor, &value);
+    m_impl->Raise(descriptor, value);
 }
 
 void CDiagnosticatorAPI::Clear(SDescriptor descriptor) {
-    m_impl->Publish("diagnostics.clear", descriptor, nullptr);
+    m_impl->Clear(descriptor);
 }
 
 void CDiagnosticatorAPI::SignalReceivedData() {

@@ -25,35 +25,63 @@ __attribute__((format(printf, 1, 0))) std::string FormatAny(const char* format, 
     return text;
 }
 
-void AppendInteger(std::string& text, int number) {
+template <typename T>
+void AppendInteger(std::string& text, T number) {
     char buffer[16];
     text.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, number).ptr);
 }
 
-/// Six decimals, as "%f" has them.
-void AppendFixed(std::string& text, double number) {
+constexpr int kLargestPrecision = 9;
+
+/// So many decimals, correctly rounded as printf's; false for what is not finite.
+bool AppendFixed(std::string& text, double number, int decimals) {
+    if (!std::isfinite(number)) {
+        return false;
+    }
     // The largest double has 309 digits before its point.
     char buffer[328];
     const auto result =
-        std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::fixed, 6);
+        std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::fixed, decimals);
     text.append(buffer, result.ptr);
+    return true;
 }
 
-/// Does the plain "%d" and "%lf", of which a capture's every record takes three; false on others.
+/// "%f" and "%lf", with or without one digit of precision; moves `format` behind it. 6 decimals are
+/// printf's own default. False, and nothing moved, for another conversion.
+bool TakeFixedConversion(const char*& format, int& decimals) {
+    const char* at = format + 1;
+    decimals = 6;
+    if (at[0] == '.' && at[1] >= '0' && at[1] <= '0' + kLargestPrecision) {
+        decimals = at[1] - '0';
+        at += 2;
+    }
+    at += *at == 'l' ? 1 : 0;
+    if (*at != 'f') {
+        return false;
+    }
+    format = at + 1;
+    return true;
+}
+
+/// Does the plain "%d", "%u", "%s", "%f" and "%.3f", of which a capture's every record takes some;
+/// false on others.
 bool FormatPlain(std::string& text, const char* format, va_list arguments) {
     for (const char* percent = std::strchr(format, '%'); percent != nullptr;
          percent = std::strchr(format, '%')) {
         text.append(format, percent);
+        format = percent + 2;
+        int decimals = 0;
         if (percent[1] == 'd') {
             AppendInteger(text, va_arg(arguments, int));
-            format = percent + 2;
-        } else if (percent[1] == 'l' && percent[2] == 'f') {
-            const double number = va_arg(arguments, double);
-            if (!std::isfinite(number)) {
+        } else if (percent[1] == 'u') {
+            AppendInteger(text, va_arg(arguments, unsigned));
+        } else if (percent[1] == 's') {
+            text += va_arg(arguments, const char*);
+        } else if (TakeFixedConversion(percent, decimals)) {
+            format = percent;
+            if (!AppendFixed(text, va_arg(arguments, double), decimals)) {
                 return false;
             }
-            AppendFixed(text, number);
-            format = percent + 3;
         } else {
             return false;
         }

@@ -1,8 +1,10 @@
 #include "platform/Time.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cmath>
+#include <limits>
 
 namespace Core {
 
@@ -49,35 +51,56 @@ GPSTime GPSTime::FromUnixTime(UnixTime time) {
     GPSTime result;
     if (sinceUnixEpoch.AsNanoseconds() > kGPSEpoch * kNanosecondsPerSecond) {
         const std::int64_t offset = LeapSecondsInsertedBy(sinceUnixEpoch) - kGPSEpoch;
-        result.m_sinceEpoch =
-            sinceUnixEpoch + Time::FromNanoseconds(offset * kNanosecondsPerSecond);
+        const std::int64_t nanoseconds =
+            sinceUnixEpoch.AsNanoseconds() + offset * kNanosecondsPerSecond;
+        result.m_week = static_cast<std::int32_t>(nanoseconds / kNanosecondsPerWeek);
+        result.m_nanoseconds = nanoseconds % kNanosecondsPerWeek;
     }
     return result;
 }
 
-GPSTime GPSTime::FromWeekSeconds(std::uint32_t week, double seconds) {
-    // Inside these limits the sum fits 64 bits to the nanosecond; outside, only a broken message
-    // leads, and clamping it is enough.
-    constexpr std::uint32_t kLastExactWeek = 15'000;
-    constexpr double kLongestExactSeconds = 1e8;
+GPSTime GPSTime::FromGPSTime(std::int32_t week, double seconds) {
+    // Seconds beyond this only a broken message has; inside, all sums fit 64 bits.
+    constexpr double kLongestSeconds = 9e15;
+    constexpr std::int32_t kLastWeek = std::numeric_limits<std::int32_t>::max();
 
-    const double wholeWeeks = static_cast<double>(week) * static_cast<double>(kSecondsPerWeek);
-    const bool isExact = week <= kLastExactWeek && !(std::fabs(seconds) > kLongestExactSeconds);
-    const Time sinceEpoch =
-        isExact ? Time::FromNanoseconds(week * kNanosecondsPerWeek) + Time::FromSeconds(seconds)
-                : Time::FromSeconds(std::isnan(seconds) ? wholeWeeks : wholeWeeks + seconds);
+    const double limited =
+        std::isnan(seconds) ? 0.0 : std::clamp(seconds, -kLongestSeconds, kLongestSeconds);
+    const double whole = std::floor(limited);
+    const auto wholeSeconds = static_cast<std::int64_t>(whole);
+    std::int64_t secondOfWeek = wholeSeconds % kSecondsPerWeek;
+    std::int64_t resultWeek = week + wholeSeconds / kSecondsPerWeek;
+    if (secondOfWeek < 0) {
+        secondOfWeek += kSecondsPerWeek;
+        --resultWeek;
+    }
+    std::int64_t nanoseconds =
+        secondOfWeek * kNanosecondsPerSecond + std::llround((limited - whole) * 1e9);
+    if (nanoseconds >= kNanosecondsPerWeek) {
+        nanoseconds -= kNanosecondsPerWeek;
+        ++resultWeek;
+    }
     GPSTime result;
-    if (!sinceEpoch.IsNegative()) {
-        result.m_sinceEpoch = sinceEpoch;
+    if (resultWeek >= 0) {
+        result.m_week = static_cast<std::int32_t>(std::min<std::int64_t>(resultWeek, kLastWeek));
+        result.m_nanoseconds = nanoseconds;
     }
     return result;
 }
 
 void GPSTime::AsGPSTime(std::uint32_t& week, double& seconds) const {
-    const std::int64_t nanoseconds = m_sinceEpoch.AsNanoseconds();
-    week = static_cast<std::uint32_t>(nanoseconds / kNanosecondsPerWeek);
+    week = static_cast<std::uint32_t>(m_week);
     // A division rounds once, so that a reading such as 0.3 comes back as it went in.
-    seconds = static_cast<double>(nanoseconds % kNanosecondsPerWeek) / 1e9;
+    seconds = static_cast<double>(m_nanoseconds) / 1e9;
+}
+
+double GPSTime::SecondsSince(GPSTime earlier) const {
+    const std::int64_t weeks = std::int64_t{m_week} - earlier.m_week;
+    const std::int64_t nanoseconds = m_nanoseconds - earlier.m_nanoseconds;
+    // Apart: all nanoseconds together are more digits than a double has.
+    const std::int64_t whole = weeks * kSecondsPerWeek + nanoseconds / kNanosecondsPerSecond;
+    const std::int64_t fraction = nanoseconds % kNanosecondsPerSecond;
+    return static_cast<double>(whole) + static_cast<double>(fraction) / 1e9;
 }
 
 } // namespace Core

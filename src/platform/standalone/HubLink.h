@@ -59,6 +59,8 @@ public:
     /// Waits for `span` and serves the connection meanwhile.
     void Wait(Core::Time span);
     bool IsConnected() const { return m_state == EConnection::connected; }
+    /// Whether anybody sees each message; without, only the last of a state is ever seen.
+    bool IsHeard() const { return IsConnected() || m_tap != nullptr; }
 
     int Descriptor() const override { return m_descriptor; }
     bool WantsToWrite() const override;

@@ -36,6 +36,9 @@ void CHubLink::Publish(CLinkQueue::SState& state, std::string text) {
 
 void CHubLink::Publish(CLinkQueue::SState& state) {
     state.message.time = Core::UnixTime::Now().AsSeconds();
+    if (IsHeard()) {
+        state.WriteLateMembers();
+    }
     if (m_tap) {
         m_tap(state.message);
     }

@@ -31,6 +31,12 @@ void AppendBase64(std::string& out, const std::string& bytes) {
     }
 }
 
+void AppendKey(std::string& members, const char* key) {
+    members += members.empty() ? "\"" : ",\"";
+    members += key;
+    members += "\":";
+}
+
 } // namespace
 
 std::size_t SLinkMessage::EstimatedSize() const {
@@ -64,15 +70,16 @@ void SLinkMessage::AppendTo(std::string& out) const {
 }
 
 void AppendMember(std::string& members, const char* key, const std::string& text) {
-    members += members.empty() ? "\"" : ",\"";
-    members += key;
-    members += "\":";
+    AppendKey(members, key);
     JSONText::AppendString(members, text);
 }
 
 void AppendMember(std::string& members, const char* key, long long number) {
-    members += members.empty() ? "\"" : ",\"";
-    members += key;
-    members += "\":";
+    AppendKey(members, key);
     JSONText::AppendInteger(members, number);
+}
+
+void AppendMember(std::string& members, const char* key, double number) {
+    AppendKey(members, key);
+    JSONText::AppendDouble(members, number);
 }

@@ -29,3 +29,4 @@ struct SLinkMessage {
 /// Appends `"key":"text"` with a comma before it if there is something before.
 void AppendMember(std::string& members, const char* key, const std::string& text);
 void AppendMember(std::string& members, const char* key, long long number);
+void AppendMember(std::string& members, const char* key, double number);

@@ -2,6 +2,13 @@
 
 #include <utility>
 
+void CLinkQueue::SState::WriteLateMembers() {
+    if (lateMembers != nullptr) {
+        message.members.clear();
+        lateMembers->Append(message.members);
+    }
+}
+
 void CLinkQueue::AddName(const std::string& name, SLinkMessage registration) {
     if (!m_knownNames.insert(name).second) {
         return;
@@ -60,6 +67,7 @@ void CLinkQueue::Connected() {
         Push(m_namesToSend, name);
     }
     for (SState& state : m_states) {
+        state.WriteLateMembers();
         SWaiting& waiting = Push(m_stateMessages, state.message);
         waiting.state = &state;
         state.waiting = &waiting;

@@ -11,6 +11,16 @@
 #include <unordered_set>
 #include <vector>
 
+/// The members of a state that are written only when its message is wanted.
+class ILateMembers {
+public:
+    /// Appends the members, as JSON.
+    virtual void Append(std::string& members) const = 0;
+
+protected:
+    virtual ~ILateMembers() = default;
+};
+
 /// The order and the bounds of everything that is published. Knows no socket: the link says whether
 /// it is connected and takes what is to be sent.
 class CLinkQueue {
@@ -31,6 +41,11 @@ public:
     struct SState {
         SLinkMessage message;
         SWaiting* waiting = nullptr; ///< its newest message that has not been taken
+        /// Knows the members where they change with every publication; null where they stand in
+        /// `message`. While nobody listens nothing is written for nobody.
+        const ILateMembers* lateMembers = nullptr;
+
+        void WriteLateMembers();
     };
 
     /// A name is registered once a connection, whoever uses it.

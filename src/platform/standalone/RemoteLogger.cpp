@@ -41,6 +41,10 @@ CRemoteLogger::CRemoteLogger(const std::string& name) : m_impl(std::make_unique<
 
 CRemoteLogger::~CRemoteLogger() = default;
 
+bool CRemoteLogger::IsHeard() const {
+    return m_impl->Link().IsHeard();
+}
+
 void CRemoteLogger::PublishStatus(ELevel level, const std::string& key, std::string value) {
     m_impl->Link().Publish(m_impl->Status(level, key), std::move(value));
 }

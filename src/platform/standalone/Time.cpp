@@ -38,6 +38,10 @@ MonotonicTime MonotonicTime::Now() {
     return MonotonicTime(hook ? hook() : Read(CLOCK_MONOTONIC));
 }
 
+MonotonicTime MonotonicTime::Timer(std::int32_t seconds) {
+    return Now() + Time::FromMilliseconds(std::int64_t{seconds} * 1000);
+}
+
 UnixTime UnixTime::Now() {
     const auto hook = ClockHooks().unix;
     return UnixTime(hook ? hook() : Read(CLOCK_REALTIME));

@@ -19,7 +19,7 @@ __attribute__((format(printf, 1, 2))) std::string Formatted(const char* format, 
 }
 
 __attribute__((format(printf, 1, 2))) std::string ByTheCLibrary(const char* format, ...) {
-    char buffer[1024];
+    char buffer[4096];
     va_list arguments;
     va_start(arguments, format);
     std::vsnprintf(buffer, sizeof buffer, format, arguments);
@@ -45,6 +45,9 @@ TEST(FormatText, writes_doubles_as_printf_does) {
         EXPECT_EQ(Formatted("%lf", number), ByTheCLibrary("%lf", number));
         EXPECT_EQ(Formatted("%5.2lf|%2.5lf", number, number),
                   ByTheCLibrary("%5.2lf|%2.5lf", number, number));
+        EXPECT_EQ(Formatted("%.0f|%.1f|%.3lf|%.9f|%f", number, number, number, number, number),
+                  ByTheCLibrary("%.0f|%.1f|%.3lf|%.9f|%f", number, number, number, number, number));
+        EXPECT_EQ(Formatted("%.12f", number), ByTheCLibrary("%.12f", number));
     }
 }
 
@@ -53,6 +56,7 @@ TEST(FormatText, writes_any_double_as_printf_does) {
     for (int i = 0; i < 20'000; ++i) {
         const auto number = std::bit_cast<double>(static_cast<std::uint64_t>(random()));
         ASSERT_EQ(Formatted("%lf", number), ByTheCLibrary("%lf", number));
+        ASSERT_EQ(Formatted("%.4f", number), ByTheCLibrary("%.4f", number));
     }
 }
 
@@ -61,6 +65,10 @@ TEST(FormatText, writes_not_a_number_and_infinity_as_printf_does) {
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
     EXPECT_EQ(Formatted("%d,%lf,%lf,%d", 1, kInfinity, 2.0, 3), "1,inf,2.000000,3");
     EXPECT_EQ(Formatted("%lf %lf", -kNaN, -kInfinity), ByTheCLibrary("%lf %lf", -kNaN, -kInfinity));
+}
+
+TEST(FormatText, writes_unsigned_integers_and_texts_as_printf_does) {
+    EXPECT_EQ(Formatted("%u,%s,%d", 4294967295U, "text", -1), "4294967295,text,-1");
 }
 
 TEST(FormatText, leaves_every_other_conversion_to_the_c_library) {

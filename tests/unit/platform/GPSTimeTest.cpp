@@ -1,6 +1,7 @@
 #include "platform/Time.h"
 
 #include <algorithm>
+#include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -34,13 +35,6 @@ GPSTime FromUnixNanoseconds(std::int64_t nanoseconds) {
     return GPSTime::FromUnixTime(UnixTime(Time::FromNanoseconds(nanoseconds)));
 }
 
-/// GPS time minus UTC at a moment, in nanoseconds.
-std::int64_t OffsetAt(std::int64_t unixNanoseconds) {
-    const std::int64_t sinceEpoch =
-        (FromUnixNanoseconds(unixNanoseconds) - GPSTime()).AsNanoseconds();
-    return sinceEpoch - (unixNanoseconds - kGPSEpoch * 1'000'000'000);
-}
-
 struct SWeekSeconds {
     std::uint32_t week = 0;
     double seconds = 0.0;
@@ -58,8 +52,16 @@ SWeekSeconds WeekSecondsOf(GPSTime time) {
     return result;
 }
 
-SWeekSeconds ThereAndBack(std::uint32_t week, double seconds) {
-    return WeekSecondsOf(GPSTime::FromWeekSeconds(week, seconds));
+/// GPS time minus UTC at a moment, in nanoseconds.
+std::int64_t OffsetAt(std::int64_t unixNanoseconds) {
+    const SWeekSeconds time = WeekSecondsOf(FromUnixNanoseconds(unixNanoseconds));
+    const std::int64_t sinceEpoch =
+        time.week * 604'800'000'000'000 + std::llround(time.seconds * 1e9);
+    return sinceEpoch - (unixNanoseconds - kGPSEpoch * 1'000'000'000);
+}
+
+SWeekSeconds ThereAndBack(std::int32_t week, double seconds) {
+    return WeekSecondsOf(GPSTime::FromGPSTime(week, seconds));
 }
 
 class LeapSecond : public testing::TestWithParam<SLeapSecond> {};
@@ -87,7 +89,7 @@ TEST(GPSTime, starts_at_its_epoch_and_nothing_is_before) {
     EXPECT_EQ(FromUnixNanoseconds(kGPSEpoch * 1'000'000'000), GPSTime());
     EXPECT_EQ(FromUnixNanoseconds(kGPSEpoch * 1'000'000'000 - 1), GPSTime());
     EXPECT_EQ(FromUnixNanoseconds(-1), GPSTime());
-    EXPECT_EQ((FromUnixNanoseconds(kGPSEpoch * 1'000'000'000 + 1) - GPSTime()).AsNanoseconds(), 1);
+    EXPECT_EQ(FromUnixNanoseconds(kGPSEpoch * 1'000'000'000 + 1), GPSTime::FromGPSTime(0, 1e-9));
 }
 
 TEST(GPSTime, of_a_known_moment_is_its_week_and_seconds) {
@@ -121,15 +123,20 @@ TEST(GPSTime, before_its_epoch_is_the_epoch) {
     EXPECT_EQ(ThereAndBack(1, -1e12), (SWeekSeconds{0, 0.0}));
 }
 
+TEST(GPSTime, keeps_every_week_that_a_header_can_hold) {
+    EXPECT_EQ(ThereAndBack(65'535, 4'294'967.295), (SWeekSeconds{65'542, 61'367.295}));
+    EXPECT_EQ(ThereAndBack(2'147'483'647, 0.5), (SWeekSeconds{2'147'483'647U, 0.5}));
+}
+
 TEST(GPSTime, of_a_broken_message_is_clamped) {
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    const GPSTime last = GPSTime::FromWeekSeconds(4'294'967'295U, 0.0);
-    EXPECT_EQ((last - GPSTime()).AsSeconds(), 9.2e9);
-    EXPECT_EQ(GPSTime::FromWeekSeconds(15'000, 1e8 + 0.5),
-              GPSTime::FromWeekSeconds(15'165, 208'000.5));
-    EXPECT_EQ(GPSTime::FromWeekSeconds(4'294'967'295U, 1e300), last);
-    EXPECT_EQ(GPSTime::FromWeekSeconds(0, kInfinity), last);
-    EXPECT_EQ(GPSTime::FromWeekSeconds(1800, -kInfinity), GPSTime());
+    constexpr std::int32_t kLastWeek = std::numeric_limits<std::int32_t>::max();
+    EXPECT_EQ(WeekSecondsOf(GPSTime::FromGPSTime(kLastWeek, 1e15)).week, 2'147'483'647U);
+    EXPECT_EQ(GPSTime::FromGPSTime(0, kInfinity), GPSTime::FromGPSTime(0, 1e300));
+    EXPECT_EQ(WeekSecondsOf(GPSTime::FromGPSTime(kLastWeek, kInfinity)).week, 2'147'483'647U);
+    EXPECT_EQ(GPSTime::FromGPSTime(1800, -kInfinity), GPSTime());
+    EXPECT_EQ(GPSTime::FromGPSTime(-1, 0.0), GPSTime());
+    EXPECT_EQ(ThereAndBack(-1, 604'800.0), (SWeekSeconds{0, 0.0}));
 }
 
 TEST(GPSTime, of_seconds_that_are_no_number_is_the_start_of_the_week) {
@@ -138,8 +145,11 @@ TEST(GPSTime, of_seconds_that_are_no_number_is_the_start_of_the_week) {
 }
 
 TEST(GPSTime, tells_the_span_between_two_moments) {
-    const GPSTime earlier = GPSTime::FromWeekSeconds(1800, 604'799.5);
-    const GPSTime later = GPSTime::FromWeekSeconds(1801, 0.25);
-    EXPECT_EQ((later - earlier).AsSeconds(), 0.75);
+    const GPSTime earlier = GPSTime::FromGPSTime(1800, 604'799.5);
+    const GPSTime later = GPSTime::FromGPSTime(1801, 0.25);
+    EXPECT_EQ(later.SecondsSince(earlier), 0.75);
+    EXPECT_EQ(earlier.SecondsSince(later), -0.75);
     EXPECT_LT(earlier, later);
+    EXPECT_EQ(GPSTime::FromGPSTime(65'535, 0.125).SecondsSince(GPSTime()),
+              65'535 * 604'800.0 + 0.125);
 }

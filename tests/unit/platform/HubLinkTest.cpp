@@ -54,6 +54,14 @@ protected:
     CHubLink m_link{m_hub.Port()};
 };
 
+/// Members that are a number which changes behind the link's back.
+class CNumberMember : public ILateMembers {
+public:
+    void Append(std::string& members) const override { AppendMember(members, "number", number); }
+
+    long long number = 0;
+};
+
 } // namespace
 
 TEST_F(HubLink, registers_with_name_process_pid_and_version) {
@@ -229,4 +237,21 @@ TEST_F(HubLink, survives_whatever_the_hub_sends) {
     m_link.Publish(Event("alive"), EPriority::event);
     ASSERT_TRUE(Until([this] { return m_hub.Count("logger.event") == 1; }));
     EXPECT_TRUE(m_link.IsConnected());
+}
+
+TEST_F(HubLink, writes_late_members_when_their_message_is_wanted) {
+    CLinkQueue::SState& state = m_link.State("number", "test.number", "");
+    CNumberMember member;
+    state.lateMembers = &member;
+    m_link.Publish(state);
+    member.number = 5;
+    EXPECT_EQ(state.message.members, "");
+    ASSERT_TRUE(Connect());
+    ASSERT_TRUE(Until([this] { return m_hub.Count("test.number") == 1; }));
+    EXPECT_NE(m_hub.Lines().back().find(R"({"number":5,"time")"), std::string::npos);
+    member.number = 6;
+    m_link.Publish(state);
+    member.number = 7;
+    ASSERT_TRUE(Until([this] { return m_hub.Count("test.number") == 2; }));
+    EXPECT_NE(m_hub.Lines().back().find(R"({"number":6,"time")"), std::string::npos);
 }

@@ -1,4 +1,5 @@
 #include "platform/Time.h"
+#include "Support/FakeClock.h"
 
 #include "Clock.h"
 
@@ -89,6 +90,19 @@ TEST(MonotonicTime, is_the_kernels_monotonic_clock) {
     clock_gettime(CLOCK_MONOTONIC, &after);
     EXPECT_GE(now, static_cast<double>(before.tv_sec));
     EXPECT_LE(now, static_cast<double>(after.tv_sec) + 1.0);
+}
+
+TEST(MonotonicTime, times_in_whole_seconds) {
+    CFakeClock clock;
+    const MonotonicTime timer = MonotonicTime::Timer(30);
+    clock.Advance(Time::FromNanoseconds(29'999'999'999));
+    EXPECT_FALSE(timer.HasExpired());
+    clock.Advance(Time::FromNanoseconds(1));
+    EXPECT_TRUE(timer.HasExpired());
+    EXPECT_TRUE(MonotonicTime::Timer(0).HasExpired());
+    EXPECT_TRUE(MonotonicTime::Timer(-5).HasExpired());
+    EXPECT_TRUE(MonotonicTime().HasExpired());
+    EXPECT_FALSE(MonotonicTime::Timer(2'147'483'647).HasExpired());
 }
 
 TEST(MonotonicTime, moves_by_spans) {

@@ -12,6 +12,8 @@ namespace Diagnosticator {
 struct SDescriptor {
     std::int32_t code;
     std::int32_t sub;
+
+    bool operator==(const SDescriptor&) const = default;
 };
 
 /// One client of the diagnostics service, named after the object that owns it.

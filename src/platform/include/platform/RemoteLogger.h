@@ -13,6 +13,10 @@ public:
     CRemoteLogger(const CRemoteLogger&) = delete;
     CRemoteLogger& operator=(const CRemoteLogger&) = delete;
 
+    /// Whether anybody is there to see each value. While nobody is, a status that is about to be
+    /// replaced need not be set.
+    bool IsHeard() const;
+
     void LogRaw(const std::string& name, std::string bytes) override;
 
 protected:

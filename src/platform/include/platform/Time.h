@@ -44,6 +44,10 @@ public:
     constexpr MonotonicTime() = default;
 
     static MonotonicTime Now();
+    /// The deadline so many seconds from now.
+    static MonotonicTime Timer(std::int32_t seconds);
+    /// Whether the clock has reached this deadline.
+    bool HasExpired() const { return Now() >= *this; }
 
     constexpr double AsSeconds() const { return m_sinceStart.AsSeconds(); }
     constexpr bool IsZero() const { return m_sinceStart == Time(); }
@@ -89,18 +93,23 @@ public:
     /// GPSTime.cpp). A moment before the GPS epoch gives the epoch.
     static GPSTime FromUnixTime(UnixTime time);
 
-    /// `week` counts from the GPS epoch without roll-over; `seconds` of week may lie outside a
-    /// week.
-    static GPSTime FromWeekSeconds(std::uint32_t week, double seconds);
+    /// `week` counts from the GPS epoch without roll-over; `seconds` of week may lie outside a week
+    /// and are kept to the nanosecond. A moment before the GPS epoch gives the epoch, seconds that
+    /// are no number give the start of the week.
+    static GPSTime FromGPSTime(std::int32_t week, double seconds);
 
     /// Writes the week and the seconds of week, from 0 to below 604800.
     void AsGPSTime(std::uint32_t& week, double& seconds) const;
 
     constexpr auto operator<=>(const GPSTime&) const = default;
-    constexpr Time operator-(GPSTime earlier) const { return m_sinceEpoch - earlier.m_sinceEpoch; }
+    /// As a double, which holds every span that weeks can be apart; negative for a later one.
+    double SecondsSince(GPSTime earlier) const;
 
 private:
-    Time m_sinceEpoch;
+    // Apart: together they would leave 64 bits of nanoseconds in the year 2272, and a receiver that
+    // has lost its time sends any week.
+    std::int32_t m_week = 0;
+    std::int64_t m_nanoseconds = 0; ///< of the week
 };
 
 /// Stops this thread for `span` (at once when it is not positive) and meanwhile serves the link to
