@@ -9,6 +9,7 @@ from harness.sentences import UNKNOWN_LOG, numbered, series
 from harness.waiting import wait_until
 
 HANDLERS = [SECOND, MAIN]
+NAMES = ["NovatelPositionManager", "NovatelReceiverStatus", *HANDLERS]
 
 
 class Telling(Scenario):
@@ -19,10 +20,9 @@ class Telling(Scenario):
         line = self.serial_line()
         daemon = self.corvane("-s", str(line.device))
         collector.wait_for("logger.status", name=MAIN, key="started")
-        first = [each for each in collector.messages()
-                 if each["name"] in ("NovatelPositionManager", *HANDLERS)][:3]
-        self.assertEqual([each.method for each in first], ["logger.register"] * 3)
-        self.assertEqual([each["name"] for each in first], ["NovatelPositionManager", *HANDLERS])
+        first = [each for each in collector.messages() if each["name"] in NAMES][:4]
+        self.assertEqual([each.method for each in first], ["logger.register"] * 4)
+        self.assertEqual([each["name"] for each in first], NAMES)
         self.assertEqual({(each["process"], each["pid"]) for each in first},
                          {("corvane", daemon.pid)})
         self.assertRegex(first[0]["version"], r"^\d+\.\d+\.\d+")

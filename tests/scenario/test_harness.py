@@ -240,3 +240,31 @@ class TheCanonicalText(unittest.TestCase):
 
     def test_shows_raw_bytes_by_length_and_hash(self) -> None:
         self.assertIn("2 bytes, sha256 ", self.text("logger.raw", {"name": "x", "data": "T0s="}))
+
+    def test_shortens_the_digits_that_differ_between_maths_libraries(self) -> None:
+        status = {"name": "x", "level": "essential", "key": messages.POSITION_KEY}
+        texts = {"1.0000,-0.0000,nan,37.123456789499,-0.000000000001,41.7385":
+                 "1.0000,-0.0000,nan,37.123456789,0.000000000,41.738",
+                 "-nan,inf,1.0000,-nan,nan,-inf": "-nan,inf,1.0000,nan,nan,-inf"}
+        for value, wanted in texts.items():
+            self.assertEqual(self.text("logger.status", {**status, "value": value}),
+                             f'logger.status ["x", "essential", "psrxyz_pos", "{wanted}"]')
+
+    def test_shows_fractions_as_such_however_they_are_written(self) -> None:
+        self.assertEqual(self.text("position.base", {"name": "x", "x": 1, "y": None, "z": -0.0}),
+                         'position.base ["x", 1.0, null, -0.0]')
+        self.assertEqual(self.text("nmea.geoid", {"name": "x", "separation": 1e23}),
+                         'nmea.geoid ["x", 1e+23]')
+
+    def test_shows_the_sky_in_the_order_of_its_fields(self) -> None:
+        satellite = {"cn0": 44, "word2": 0, "prn": 3, "word1": 0}
+        self.assertEqual(self.text("position.sky", {"name": "x", "satellites": [satellite]}),
+                         'position.sky ["x", [{"prn": 3, "word1": 0, "word2": 0, "cn0": 44.0}]]')
+        with self.assertRaises(ValueError):
+            self.text("position.sky", {"name": "x", "satellites": [{"prn": 3}]})
+
+    def test_leaves_out_when_a_position_was_published(self) -> None:
+        position = dict.fromkeys(messages.FIELDS["position.ecef"], 1)
+        text = self.text("position.ecef", {**position, "week": 1800, "hostTime": 123.5})
+        self.assertIn('1800, 1.0, "<host time>", 1, 1, 1.0, 1', text)
+        self.assertNotIn("123.5", text)

@@ -8,7 +8,11 @@
 #include "IO/QuentaHandler.h"
 #include "IO/ReplayHandler.h"
 #include "IO/SerialHandler.h"
+#include "LogObserver/DiagnosticsObserver.h"
 #include "LogObserver/EpochFlusher.h"
+#include "LogObserver/NMEALogObserver.h"
+#include "LogObserver/PositionManager.h"
+#include "LogObserver/ReceiverStatusObserver.h"
 #include "LogObserver/ScreenDumpObserver.h"
 #include "MainLoop.h"
 #include "Port/PortHandler.h"
@@ -94,8 +98,13 @@ int RunDaemon(const HandlerSettings& settings) {
     FramerList mainFramers = NewFramers();
     FramerList diagnosticFramers = NewFramers();
 
+    auto* const receiverStatus = new CReceiverStatusObserver;
+    auto* const positionManager = new CPositionManager(*logger, settings.Config());
+    positionManager->SetReceiverStatus(receiverStatus);
+    positionManager->SetReferenceManager(new ReferenceManagerAPI);
     auto* const epochFlusher = new EpochFlusher;
-    ObserverList observers{epochFlusher};
+    ObserverList observers{receiverStatus, positionManager, new CNMEALogObserver(*receiverStatus),
+                           new CDiagnosticsObserver, epochFlusher};
     if (settings.DisplayPackets()) {
         observers.push_back(new CScreenDumpObserver);
     }

@@ -1,29 +1,19 @@
 """What a whole offline run must print and publish, worked out from the bytes of the capture."""
 
 import hashlib
-import json
 from collections.abc import Iterator
-from dataclasses import dataclass, field
 
 from decoder.framers import GOOD, framers
+from decoder.nmea_diagnostics import Diagnostics, Nmea
+from decoder.outcome import Outcome
+from decoder.position import Position
+from decoder.receiver_status import ReceiverStatus
 from decoder.records import NMEA_ID, Record, decode
 
 READ_SIZE = 1024
 RAW_BLOCK = 1024  # so many bytes or more are handed on at once
 MAIN, SECOND = "NovatelPortHandler", "NovatelPortHandler2"
 END_OF_EPOCH = ("PDPXYZ", "PDPSTAT")  # what was read before one of these leaves at once
-
-
-@dataclass
-class Outcome:
-    """The screen dump and the canonical lines of what is published."""
-
-    dump: bytearray = field(default_factory=bytearray)
-    published: list[str] = field(default_factory=list)
-    records: list[Record] = field(default_factory=list)
-
-    def publish(self, method: str, *fields) -> None:
-        self.published.append(f"{method} {json.dumps(fields, ensure_ascii=False)}")
 
 
 def seconds_text(milliseconds: int) -> str:
@@ -55,8 +45,9 @@ def data_value(record: Record) -> str:
 class _Port:
     """The main port: framers, counters and the bytes not yet handed on."""
 
-    def __init__(self, outcome: Outcome) -> None:
+    def __init__(self, outcome: Outcome, observers: tuple) -> None:
         self._outcome = outcome
+        self._observers = observers
         self._framers = framers()
         self._good = 0
         self._rejected = 0
@@ -76,12 +67,13 @@ class _Port:
             self._dispatch(decode(sentence))
         else:
             self._rejected += 1
-        self._outcome.publish("logger.status", MAIN, "essential", "checksum_stats",
-                              f"{self._good},{self._rejected}")
+        self._outcome.essential(MAIN, "checksum_stats", f"{self._good},{self._rejected}")
 
     def _dispatch(self, record: Record | None) -> None:
         if record is None:
             return
+        for observer in self._observers:
+            observer.take(record)
         if record.kind in END_OF_EPOCH:
             self._hand_on()
         self._outcome.records.append(record)
@@ -100,15 +92,21 @@ def _chunks(data: bytes) -> Iterator[bytes]:
     return (data[at:at + READ_SIZE] for at in range(0, len(data), READ_SIZE))
 
 
+def _observers(outcome: Outcome) -> tuple:
+    """In the order in which each record passes them; two publish when they are made."""
+    receiver = ReceiverStatus(outcome)
+    return (receiver, Position(outcome, receiver), Nmea(outcome, receiver), Diagnostics(outcome))
+
+
 def offline_run(capture: bytes) -> Outcome:
     """`corvane -p -u none -d -f CAPTURE` with a collecting server and no multiplexer."""
     outcome = Outcome()
-    for name in ("NovatelPositionManager", SECOND, MAIN):
+    for name in ("NovatelPositionManager", "NovatelReceiverStatus", SECOND, MAIN):
         outcome.publish("logger.register", name, "corvane", "<pid>", "<version>")
+    port = _Port(outcome, _observers(outcome))
     for name in (SECOND, MAIN):
-        outcome.publish("logger.status", name, "essential", "started", "started")
-    outcome.publish("logger.status", MAIN, "essential", "receiver_initialisations", "1")
-    port = _Port(outcome)
+        outcome.essential(name, "started", "started")
+    outcome.essential(MAIN, "receiver_initialisations", "1")
     for chunk in _chunks(capture):
         port.take(chunk)
     return outcome

@@ -19,11 +19,12 @@ def _crc(data: bytes) -> int:
 
 
 def binary(message_id: int, body: bytes = b"", *, milliseconds: int = 0, week: int = WEEK,
-           message_type: int = 2, padding: bytes = b"") -> bytes:
-    """A binary log; `padding` lengthens the header."""
+           message_type: int = 2, padding: bytes = b"", status: int = 0,
+           idle: int = 100) -> bytes:
+    """A binary log; `padding` lengthens the header, `idle` is in half percents."""
     header = struct.pack("<3sBHBBHHBBHIIHH", b"\xaa\x44\x12", HEADER_LENGTH + len(padding),
-                         message_id, message_type, 0x20, len(body), 0, 100, 180, week,
-                         milliseconds, 0, 0, 3153)
+                         message_id, message_type, 0x20, len(body), 0, idle, 180, week,
+                         milliseconds, status, 0, 3153)
     sentence = header + padding + body
     return sentence + u32(_crc(sentence))
 

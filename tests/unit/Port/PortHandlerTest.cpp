@@ -194,3 +194,15 @@ TEST_F(PortHandler, writes_nothing_of_a_command_that_cannot_be_encoded) {
     EXPECT_FALSE(m_handler.SendCommand(CFixedCommand(1, false), 0, 0, 0, 0));
     EXPECT_EQ(m_source.written, "");
 }
+
+TEST_F(PortHandler, keeps_the_last_counts_for_whoever_comes_later) {
+    CHubLink::Get().SetTap(nullptr);
+    Receive(Sentences::Bestpos().bytes());
+    Bytes::Sentence chunk = Sentences::Bestpos();
+    const Bytes::Sentence bad = Sentences::Bestpos().wrongCRC();
+    chunk.insert(chunk.end(), bad.begin(), bad.end());
+    chunk.insert(chunk.end(), chunk.begin(), chunk.end());
+    Receive(chunk);
+    const std::string members = R"("name":"Port","level":"essential","key":"checksum_stats")";
+    EXPECT_EQ(CHubLink::Get().State("status " + members, "", members).message.text, "3,2");
+}

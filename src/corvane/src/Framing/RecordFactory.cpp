@@ -43,32 +43,33 @@ struct SLog {
     Maker make;
 };
 
+template <class TRecord>
+constexpr SLog kLog = {TRecord::kMessageID, Make<TRecord>};
+
 // Sorted by identifier, as it is searched by halves.
-// clang-format off
 constexpr SLog kLogs[] = {
-    {37, Make<CNovatelVERSIONB>},
-    {42, Make<CNovatelBESTPOSB>},
-    {43, Make<CNovatelRANGEB>},
-    {83, Make<CNovatelTRACKSTATB>},
-    {93, Make<CNovatelRXSTATUSB>},
-    {101, Make<CNovatelTIMEB>},
-    {174, Make<CNovatelPSRDOPB>},
-    {175, Make<CNovatelREFSTATIONB>},
-    {241, Make<CNovatelBESTXYZB>},
-    {243, Make<CNovatelPSRXYZB>},
-    {244, Make<CNovatelRTKXYZB>},
-    {317, Make<CNovatelCOMCONFIGB>},
-    {471, Make<CNovatelPDPXYZB>},
-    {495, Make<CNovatelOMNIHPPOSB>},
-    {730, Make<CNovatelLBANDINFOB>},
-    {731, Make<CNovatelLBANDSTATB>},
-    {1085, Make<CNovatelPDPSTATB>},
-    {1148, Make<CNovatelCHANCONFIGLISTB>},
-    {1162, Make<CNovatelPSRSATSB>},
-    {1174, Make<CNovatelRTKSATSB>},
-    {1234, Make<CNovatelPDPSATSB>},
+    kLog<CNovatelVERSIONB>,
+    kLog<CNovatelBESTPOSB>,
+    kLog<CNovatelRANGEB>,
+    kLog<CNovatelTRACKSTATB>,
+    kLog<CNovatelRXSTATUSB>,
+    kLog<CNovatelTIMEB>,
+    kLog<CNovatelPSRDOPB>,
+    kLog<CNovatelREFSTATIONB>,
+    kLog<CNovatelBESTXYZB>,
+    kLog<CNovatelPSRXYZB>,
+    kLog<CNovatelRTKXYZB>,
+    kLog<CNovatelCOMCONFIGB>,
+    kLog<CNovatelPDPXYZB>,
+    kLog<CNovatelOMNIHPPOSB>,
+    kLog<CNovatelLBANDINFOB>,
+    kLog<CNovatelLBANDSTATB>,
+    kLog<CNovatelPDPSTATB>,
+    kLog<CNovatelCHANCONFIGLISTB>,
+    {CNovatelSatsLog::kPSRSATS, Make<CNovatelPSRSATSB>},
+    {CNovatelSatsLog::kRTKSATS, Make<CNovatelRTKSATSB>},
+    {CNovatelSatsLog::kPDPSATS, Make<CNovatelPDPSATSB>},
 };
-// clang-format on
 
 static_assert(std::ranges::is_sorted(kLogs, {}, &SLog::messageID));
 

@@ -1,6 +1,6 @@
 #include "LogObserver/EpochFlusher.h"
 
-#include "Logs/GPSRecord.h"
+#include "LogObserver/LogCast.h"
 #include "Logs/NovatelOEMV/NovatelPDPSTAT.h"
 #include "Logs/NovatelOEMV/NovatelPDPXYZ.h"
 #include "Port/PortHandler.h"
@@ -9,8 +9,9 @@ void EpochFlusher::NewRecord(CGPSRecord* record) {
     if (m_portHandler == nullptr || record == nullptr) {
         return;
     }
-    if (dynamic_cast<Novatel::CNovatelPDPXYZ*>(record) != nullptr ||
-        dynamic_cast<Novatel::CNovatelPDPSTAT*>(record) != nullptr) {
+    const CLogCast log(*record);
+    if (log.As<Novatel::CNovatelPDPXYZ>() != nullptr ||
+        log.As<Novatel::CNovatelPDPSTAT>() != nullptr) {
         m_portHandler->FlushCapture();
     }
 }

@@ -98,7 +98,10 @@ void CPortHandler::HandleBytes(const std::string& bytes) {
     }
 }
 
+/// After each sentence while somebody sees it; else only the last counts, and a capture with noise
+/// has thousands.
 void CPortHandler::DrainFramer(CSentenceConstructor& framer) {
+    bool hasUntold = false;
     for (int result = framer.GetSentence(m_sentence); result == 1 || result == -1;
          result = framer.GetSentence(m_sentence)) {
         if (result == 1) {
@@ -107,6 +110,12 @@ void CPortHandler::DrainFramer(CSentenceConstructor& framer) {
         } else {
             ++m_sentencesRejected;
         }
+        hasUntold = !m_logger.IsHeard();
+        if (!hasUntold) {
+            PublishChecksums();
+        }
+    }
+    if (hasUntold) {
         PublishChecksums();
     }
 }

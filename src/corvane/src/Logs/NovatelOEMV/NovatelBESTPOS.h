@@ -7,6 +7,8 @@ namespace Novatel {
 
 class CNovatelBESTPOS : public virtual CNovatelRecord {
 public:
+    static constexpr std::uint16_t kMessageID = 42;
+
     /// The geoid's height above the ellipsoid, in metres.
     double GetUndulation() const { return m_undulation; }
     std::uint8_t GetExtendedSolutionStatus() const { return m_extendedSolutionStatus; }

@@ -6,6 +6,9 @@
 namespace Novatel {
 
 class CNovatelBESTXYZ : public virtual CNovatelCartesianLog {
+public:
+    static constexpr std::uint16_t kMessageID = 241;
+
 protected:
     CNovatelBESTXYZ() = default;
 };

@@ -9,6 +9,8 @@ namespace Novatel {
 
 class CNovatelCHANCONFIGLIST : public virtual CNovatelRecord {
 public:
+    static constexpr std::uint16_t kMessageID = 1148;
+
     struct SSignal {
         std::uint32_t numberOfChannels = 0;
         std::uint32_t signalType = 0; ///< the receiver's enumeration

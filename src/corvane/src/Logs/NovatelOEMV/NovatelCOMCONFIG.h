@@ -9,6 +9,8 @@ namespace Novatel {
 
 class CNovatelCOMCONFIG : public virtual CNovatelRecord {
 public:
+    static constexpr std::uint16_t kMessageID = 317;
+
     /// The numbers are the receiver's own enumerations.
     struct SPort {
         std::uint32_t port = 0; ///< COM1 to COM3 are 1 to 3, USB1 to USB3 13 to 15

@@ -8,6 +8,8 @@ namespace Novatel {
 
 class CNovatelLBANDINFO : public CLBandLog, public virtual CNovatelRecord {
 public:
+    static constexpr std::uint16_t kMessageID = 730;
+
     struct SSubscription {
         std::uint32_t state = 0; ///< 0 expired, 1 full time, 2 counting down
         std::uint32_t expiryWeek = 0;

@@ -12,6 +12,8 @@ namespace Novatel {
 
 class CNovatelLBANDSTAT : public CLBandLog, public virtual CNovatelRecord {
 public:
+    static constexpr std::uint16_t kMessageID = 731;
+
     /// dB-Hz.
     float GetCarrierToNoise() const { return m_carrierToNoise; }
     /// Seconds.

@@ -6,6 +6,9 @@
 namespace Novatel {
 
 class CNovatelOMNIHPPOS : public virtual CNovatelGeodeticLog {
+public:
+    static constexpr std::uint16_t kMessageID = 495;
+
 protected:
     CNovatelOMNIHPPOS() = default;
 };

@@ -10,6 +10,8 @@ namespace Novatel {
 /// The log is unpublished; its values are known by their position only.
 class CNovatelPDPSTAT : public virtual CNovatelRecord {
 public:
+    static constexpr std::uint16_t kMessageID = 1085;
+
     const std::array<std::uint32_t, 5>& GetIntegers() const { return m_integers; }
     const std::array<double, 3>& GetReals() const { return m_reals; }
 

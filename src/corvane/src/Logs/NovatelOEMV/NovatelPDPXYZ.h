@@ -6,6 +6,9 @@
 namespace Novatel {
 
 class CNovatelPDPXYZ : public virtual CNovatelCartesianLog {
+public:
+    static constexpr std::uint16_t kMessageID = 471;
+
 protected:
     CNovatelPDPXYZ() = default;
 };

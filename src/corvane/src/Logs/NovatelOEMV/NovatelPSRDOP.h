@@ -11,6 +11,8 @@ namespace Novatel {
 /// (1.5 on the wire gives 1069547520). Consumers of the published numbers are built on that.
 class CNovatelPSRDOP : public virtual CNovatelRecord {
 public:
+    static constexpr std::uint16_t kMessageID = 174;
+
     float GetGDOP() const { return m_gdop; }
     float GetPDOP() const { return m_pdop; }
     float GetHDOP() const { return m_hdop; }

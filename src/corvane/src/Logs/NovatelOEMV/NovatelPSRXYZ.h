@@ -6,6 +6,9 @@
 namespace Novatel {
 
 class CNovatelPSRXYZ : public virtual CNovatelCartesianLog {
+public:
+    static constexpr std::uint16_t kMessageID = 243;
+
 protected:
     CNovatelPSRXYZ() = default;
 };

@@ -9,6 +9,8 @@ namespace Novatel {
 
 class CNovatelRANGE : public virtual CNovatelRecord {
 public:
+    static constexpr std::uint16_t kMessageID = 43;
+
     struct SObservation {
         std::uint16_t prn = 0;              ///< GPS 1 to 32, GLONASS slot + 37, SBAS 120 to 138
         std::uint16_t glonassFrequency = 0; ///< channel + 7

@@ -9,6 +9,8 @@ namespace Novatel {
 
 class CNovatelREFSTATION : public virtual CNovatelRecord {
 public:
+    static constexpr std::uint16_t kMessageID = 175;
+
     /// Earth-centred Earth-fixed, metres.
     double GetX() const { return m_x; }
     double GetY() const { return m_y; }

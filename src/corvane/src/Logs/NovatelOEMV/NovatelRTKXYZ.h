@@ -6,6 +6,9 @@
 namespace Novatel {
 
 class CNovatelRTKXYZ : public virtual CNovatelCartesianLog {
+public:
+    static constexpr std::uint16_t kMessageID = 244;
+
 protected:
     CNovatelRTKXYZ() = default;
 };

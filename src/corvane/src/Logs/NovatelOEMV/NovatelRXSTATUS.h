@@ -10,6 +10,8 @@ namespace Novatel {
 
 class CNovatelRXSTATUS : public virtual CNovatelRecord {
 public:
+    static constexpr std::uint16_t kMessageID = 93;
+
     struct SStatus {
         std::uint32_t status = 0;
         std::uint32_t priorityMask = 0;

@@ -9,6 +9,10 @@ namespace Novatel {
 
 class CNovatelSatsLog : public virtual CNovatelRecord {
 public:
+    static constexpr std::uint16_t kPSRSATS = 1162;
+    static constexpr std::uint16_t kRTKSATS = 1174;
+    static constexpr std::uint16_t kPDPSATS = 1234;
+
     static constexpr std::uint32_t kGPS = 0;
     static constexpr std::uint32_t kGLONASS = 1;
 

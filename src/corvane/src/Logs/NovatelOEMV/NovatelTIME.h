@@ -7,6 +7,8 @@ namespace Novatel {
 
 class CNovatelTIME : public virtual CNovatelRecord {
 public:
+    static constexpr std::uint16_t kMessageID = 101;
+
     /// 0 valid, 1 converging, 2 iterating, 3 invalid.
     std::uint32_t GetClockStatus() const { return m_clockStatus; }
     /// Seconds.

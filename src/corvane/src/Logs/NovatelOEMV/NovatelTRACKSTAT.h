@@ -9,6 +9,8 @@ namespace Novatel {
 
 class CNovatelTRACKSTAT : public virtual CNovatelRecord {
 public:
+    static constexpr std::uint16_t kMessageID = 83;
+
     struct SChannel {
         std::uint16_t prn = 0;              ///< as in RANGE; 0 when the channel is idle
         std::uint16_t glonassFrequency = 0; ///< channel + 7

@@ -10,6 +10,8 @@ namespace Novatel {
 
 class CNovatelVERSION : public virtual CNovatelRecord {
 public:
+    static constexpr std::uint16_t kMessageID = 37;
+
     /// The texts keep their full width on the wire, padded and closed by zero bytes.
     struct SComponent {
         std::uint32_t type = 0; ///< 1 is the receiver card
