@@ -62,7 +62,8 @@ private:
         AppendMember(members, "code", static_cast<long long>(descriptor.code));
         AppendMember(members, "sub", static_cast<long long>(descriptor.sub));
         CLinkQueue::SState& state = m_link.State("diagnostic " + members, kClear, members);
-        return m_diagnostics.emplace_back(descriptor, std::move(members), &state);
+        m_diagnostics.push_back({descriptor, std::move(members), &state});
+        return m_diagnostics.back();
     }
 
     void ReportActivity() {

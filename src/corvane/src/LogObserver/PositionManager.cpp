@@ -116,10 +116,11 @@ void CPositionManager::NewPacket(const CNovatelPSRXYZ& log) {
 }
 
 void CPositionManager::NewPacket(const CNovatelPDPSTAT& log) {
-    SPDPStat& last = m_lastPDPStat.emplace();
+    SPDPStat last;
     log.GetGPSTime(last.week, last.seconds);
     last.integers = log.GetIntegers();
     last.reals = log.GetReals();
+    m_lastPDPStat = last;
 }
 
 void CPositionManager::NewPacket(const CNovatelPSRDOP& log) {
