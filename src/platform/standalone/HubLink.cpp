@@ -141,6 +141,14 @@ void CHubLink::Disconnect() {
     m_in.clear();
 }
 
+/// Whole messages written into a connection that the peer has closed would be lost unseen: the
+/// kernel takes them all the same.
+bool CHubLink::HasPeerClosed() const {
+    char byte = 0;
+    const ssize_t count = recv(m_descriptor, &byte, sizeof byte, MSG_PEEK | MSG_DONTWAIT);
+    return count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR);
+}
+
 void CHubLink::Write() {
     if (m_outSent == m_out.size()) {
         m_out.clear();
@@ -148,6 +156,10 @@ void CHubLink::Write() {
         m_queue.Take(m_out, kWriteSize);
     }
     if (m_out.empty()) {
+        return;
+    }
+    if (HasPeerClosed()) {
+        Disconnect();
         return;
     }
     const ssize_t sent =

@@ -82,6 +82,7 @@ private:
     void FinishConnecting();
     void BecomeConnected();
     void Disconnect();
+    bool HasPeerClosed() const;
     void Write();
     void Read();
     void HandleLine(const std::string& line);
