@@ -1,4 +1,4 @@
-// Finds out which log a record is.
+// Finds out which log a record is, and of which moment.
 #pragma once
 
 #include "Logs/GPSRecord.h"
@@ -20,3 +20,11 @@ private:
     const CGPSRecord& m_record;
     std::uint16_t m_messageID;
 };
+
+/// The moment that the record's own week and seconds of week name.
+inline Core::GPSTime GPSTimeOf(const CGPSRecord& record) {
+    std::uint32_t week = 0;
+    double seconds = 0.0;
+    record.GetGPSTime(week, seconds);
+    return Core::GPSTime::FromGPSTime(static_cast<std::int32_t>(week), seconds);
+}

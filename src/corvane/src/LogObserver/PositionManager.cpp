@@ -106,12 +106,8 @@ void CPositionManager::NewPacket(const CNovatelPSRXYZ& log) {
                                       Core::Maths::Degrees(position.latitude),
                                       Core::Maths::Degrees(position.longitude), position.height);
     if (m_referenceManager != nullptr) {
-        std::uint32_t week = 0;
-        double seconds = 0.0;
-        log.GetGPSTime(week, seconds);
-        m_referenceManager->SetGPSData(
-            Core::GPSTime::FromGPSTime(static_cast<std::int32_t>(week), seconds), log.GetX(),
-            log.GetY(), log.GetZ(), m_psrSatellites.gps, m_psrSatellites.glonass, 0);
+        m_referenceManager->SetGPSData(GPSTimeOf(log), log.GetX(), log.GetY(), log.GetZ(),
+                                       m_psrSatellites.gps, m_psrSatellites.glonass, 0);
     }
 }
 

@@ -221,10 +221,7 @@ void CReceiverStatusObserver::PublishCount(const std::string& key, std::uint32_t
 void CReceiverStatusObserver::PublishRate(const std::string& key, SRate& rate,
                                           const CGPSRecord& record) {
     ++rate.count;
-    std::uint32_t week = 0;
-    double seconds = 0.0;
-    record.GetGPSTime(week, seconds);
-    const auto time = Core::GPSTime::FromGPSTime(static_cast<std::int32_t>(week), seconds);
+    const Core::GPSTime time = GPSTimeOf(record);
     m_statusLogger.SetInfoStatus(key, "%d,%lf", static_cast<int>(rate.count),
                                  time.SecondsSince(rate.last));
     rate.last = time;
