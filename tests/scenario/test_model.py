@@ -29,6 +29,11 @@ class Model(unittest.TestCase):
     def values(self, content: bytes, key: str) -> list[str]:
         return [fields[3] for fields in self.told(content, "logger.status") if fields[2] == key]
 
+    def events(self, content: bytes, name: str) -> list[str]:
+        """Their texts, each with the first letter of its level in front."""
+        return [f"{level[0].upper()} {text}" for each, level, text in
+                self.told(content, "logger.event") if each == name]
+
     def qualities(self, content: bytes) -> list[list[int]]:
         """Position quality, fix quality and class of each solution."""
         return [[fields[13], fields[14], fields[19]] for fields in
@@ -129,9 +134,9 @@ class Receiver(Model):
         content = logs.version((2, b"OEM1"), (1, b"OEM10101RN"))
         self.assertEqual(self.values(content, "component_01.softwareVersion"), ["OEM10101RN"])
         self.assertEqual(self.values(content, "component_00.componentType"), ["2"])
-        self.assertEqual(self.told(content, "logger.event"), [[
-            "NovatelReceiverStatus", "warning", f"{RECEIVER}::TranslateReceiverVersion: "
-            "got sw_version_int 10101 from version OEM10101RN"]])
+        self.assertEqual(self.events(content, "NovatelReceiverStatus"), [
+            f"W {RECEIVER}::TranslateReceiverVersion: got sw_version_int 10101 from version "
+            "OEM10101RN"])
 
     def test_errors_are_named_in_order(self) -> None:
         content = logs.rxstatus(0x80000005) + logs.rxstatus(0) + logs.rxstatus(8)

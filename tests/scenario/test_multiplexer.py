@@ -127,7 +127,7 @@ class Absent(Scenario):
         daemon.wait_for_error("connect: No such file or directory\n")
         daemon.wait_for_passes(25)
         self.assertLess(len(daemon.stderr.splitlines()), 8, daemon.stderr)
-        self.assertEqual(collector.messages("logger.event"), [])
+        self.assertEqual(collector.messages("logger.event", level="error"), [])
 
 
 class KilledAndRestarted(Scenario):

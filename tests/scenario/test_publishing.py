@@ -2,11 +2,12 @@
 
 import time
 
+from decoder.commands import CONFIGURATION
 from harness import logs
 from harness.collector import Collector
 from harness.daemon import Daemon
 from harness.messages import Message
-from harness.scenario import Scenario
+from harness.scenario import MAIN, Scenario
 from harness.sentences import binary, nmea
 from harness.serial_line import SerialLine
 from harness.waiting import wait_until
@@ -29,10 +30,16 @@ class OfflineRun(Scenario):
     def test_the_start_is_told_in_its_order(self) -> None:
         told = [each for each in self.run_over(b"").messages()
                 if each.method != "diagnostics.activity"]
-        self.assertEqual([each["name"] for each in told[:4]], [
-            POSITION, RECEIVER, "NovatelPortHandler2", "NovatelPortHandler"])
-        self.assertEqual([each.method for each in told], [
-            *["logger.register"] * 4, "position.sky", "position.ecef", *["logger.status"] * 3])
+        self.assertEqual([each["name"] for each in told[:5]], [
+            POSITION, RECEIVER, "NovatelConstellationManager", "NovatelPortHandler2", MAIN])
+        self.assertEqual([each.method for each in told[:14]], [
+            *["logger.register"] * 5, *["logger.event"] * 2, "position.sky", "logger.status",
+            "position.ecef", *["logger.status"] * 3, "logger.event"])
+        self.assertEqual([each["key"] for each in told[:13] if "key" in each.params], [
+            "desired_channel_configuration", "started", "started", "receiver_initialisations"])
+        self.assertEqual({each["name"] for each in told[13:]}, {MAIN})
+        self.assertEqual([each["text"] for each in told[13:]], [
+            f"Sending buffered command: {command}" for command in CONFIGURATION])
 
     def test_without_a_position_a_placeholder_is_told(self) -> None:
         before = time.time()

@@ -1,11 +1,14 @@
 """Streams made to be difficult: what comes out is what the independent decoder says."""
 
+import itertools
 import random
 import struct
 from functools import reduce
 from pathlib import Path
 
+from decoder.records import SOFTLOAD_VALUES
 from decoder.run import offline_run
+from harness import logs
 from harness.captures import run_over
 from harness.scenario import Scenario
 from harness.sentences import ascii_log, binary, nmea, response, u32
@@ -34,6 +37,17 @@ SOFTWARE = (b"3.701", b"OEM", b"L6X", b"OEM060600RN0000", b"L6X010201RN0000", b"
             b"OEM-2147483649", b"OEMabc", b"oem1", b"XL6X1", b"OEM\0123", b"")
 TEXTS = (b"L12LGRV", b"", b"sixteen  letters", b"caf\xc3\xa9 \xe9", b"\xe2\x82", b"\xff\0hidden",
          b"a\"b\\c\x01\x7f", b"\xf0\x9f\x9b\xb0", b"\xed\xa0\x80\xc0\xaf")
+MODELS = (b"L12LGRV", b"L12LRVA", b"RT2G", b"rt2g", b"L1\0\0G", b"fifteen letterG", b"\xc7", b"")
+CHANNEL_COUNTS = (0, 2, 8, 14, 120, 0x80000000, MOST)
+SETS_IN_USE = (0, 1, 1, 1, 2, 2, 5, 0x80000000, MOST)
+SIGNAL_TYPES = (*range(30), 0x80000000, MOST)
+READ = 1024  # bytes of a capture that are read in one pass
+KNOWN_STATUSES = tuple(each.decode() for each in SOFTLOAD_VALUES)
+WAITING_STATUSES = ("READY_FOR_SETUP", "READY_FOR_DATA")
+RESET_STATUSES = ("WROTE_FLASH", "COMPLETE")
+UNKNOWN_STATUSES = ("", "odd", "ERROR", "WROTE_AUTHCODE", "complete", " COMPLETE", "COMPLETE*",
+                    "COMPLETE;", "BAD_IMAGE", b"caf\xc3\xa9 \xe9", b"COMPLETE\0", b"COMP\0LETE",
+                    "%s%d", "\"", "x" * 3000)
 SENTENCES = (b"GPGSA,M,3", b"GPGSV,1,1,00", b"GPZDA,0", b"GPGST,0", b"GPGGA,0", b"GPGSV", b"GPGS",
              b"GPRMC,0", b"GNGSV,0", b"gpgsv,0", b"GPGSVX", b"GPGST,\xe9\xc3\xa9", b"GPGSA,\0,1")
 SPECIAL_DOUBLES = tuple(bytes.fromhex(each)[::-1] for each in (
@@ -193,11 +207,13 @@ class Receiver:
         return self._log(317, u32(len(ports)) + b"".join(ports))
 
     def version(self) -> bytes:
+        """The model of a receiver card says whether it has GLONASS."""
         def text(texts: tuple[bytes, ...], width: int = 16) -> bytes:
             return self._one(*texts)[:width].ljust(width, b"\0")
 
-        components = [u32(self._one(*COMPONENT_TYPES)) + text(TEXTS) + text(TEXTS) + text(TEXTS)
-                      + text(SOFTWARE + TEXTS) + text(TEXTS) + text(TEXTS, 12) + text(TEXTS, 12)
+        components = [u32(self._one(*COMPONENT_TYPES)) + text(MODELS + TEXTS) + text(TEXTS)
+                      + text(TEXTS) + text(SOFTWARE + TEXTS) + text(TEXTS)
+                      + text(TEXTS, 12) + text(TEXTS, 12)
                       for _ in range(self._one(0, 1, 1, 2, 12))]
         return self._log(37, u32(len(components)) + b"".join(components))
 
@@ -205,8 +221,14 @@ class Receiver:
         return self._log(43, u32(2) + self._chance.randbytes(2 * 44))
 
     def channels(self) -> bytes:
-        sets = [u32(length) + bytes(8 * length) for length in (0, 1, self._chance.randrange(9))]
-        return self._log(1148, u32(1, len(sets)) + b"".join(sets))
+        """Sets of known and unknown signals; mostly another one is in use than before."""
+        def pairs(count: int) -> bytes:
+            return b"".join(u32(self._one(*CHANNEL_COUNTS), self._one(*SIGNAL_TYPES))
+                            for _ in range(count))
+
+        lengths = [self._chance.randrange(9) for _ in range(self._one(0, 1, 3, 6, 12))]
+        sets = b"".join(u32(length) + pairs(length) for length in lengths)
+        return self._log(1148, u32(self._one(*SETS_IN_USE), len(lengths)) + sets)
 
     def response(self) -> bytes:
         """Also to a log's identifier, which makes it no log."""
@@ -225,6 +247,17 @@ class Receiver:
             ascii_log("SOFTLOADSTATUSA", "COMPLETE"), ascii_log("SOFTLOADSTATUSA", "odd"),
             ascii_log("BESTPOSA", "SOL"), b"#" + b"y" * 4200 + b"\r\n", b"\r\n<OK\r\n[COM1]",
             b"#ab*00000000\r", b"##$#$*\n", b"$GP\r#\n")
+
+    def softload(self) -> bytes:
+        """A status of the firmware upgrade, the ones that do something more often than others."""
+        statuses = self._one(KNOWN_STATUSES, KNOWN_STATUSES, WAITING_STATUSES, RESET_STATUSES,
+                             UNKNOWN_STATUSES)
+        return ascii_log("SOFTLOADSTATUSA", self._one(*statuses))
+
+    def ascii(self) -> bytes:
+        """Logs of which nothing is made, but which are told of during an upgrade."""
+        return ascii_log(self._one("BESTPOSA", "SOFTLOADSTATUS", "SOFTLOADSTATUSAX"),
+                         self._one("SOL", "COMPLETE", b"\xe9\0hidden", "y" * 3900))
 
     # --- what is damaged
 
@@ -256,15 +289,30 @@ POSITIONS = (Receiver.solution, Receiver.solution, Receiver.pseudorange_position
              Receiver.psrdop, Receiver.bestpos, Receiver.refstation, Receiver.satellites)
 RECEIVER = (Receiver.trackstat, Receiver.rxstatus, Receiver.comconfig, Receiver.version,
             Receiver.ranges, Receiver.channels, Receiver.time)
+CONTROL = (Receiver.version, Receiver.channels, Receiver.softload, Receiver.softload,
+           Receiver.ascii)
+
+
+def status_in_a_read_of_its_own(text: str | bytes, *others: bytes) -> bytes:
+    """Followed by others, each in a read of its own too; line ends fill the reads."""
+    contents = (ascii_log("SOFTLOADSTATUSA", text), *others)
+    return b"".join(each + b"\n" * (-len(each) % READ) for each in contents)
 
 
 class SyntheticStreams(Scenario):
+    def setUp(self) -> None:
+        super().setUp()
+        self._runs = itertools.count()
+
     def assert_agreement(self, stream: bytes) -> None:
+        """In a folder of its own: a run keeps what it has learned of the receiver."""
         wanted = offline_run(stream)
-        outcome = run_over(Path(self.file("capture", stream)), self.folder / "run")
+        folder = self.folder / f"run.{next(self._runs)}"
+        outcome = run_over(Path(self.file("capture", stream)), folder)
         self.assert_same_lines([*wanted.published, ""], outcome.published.split("\n"))
         self.assert_same_lines(bytes(wanted.dump).split(b"\n"), outcome.dump.split(b"\n"))
-        self.assertGreater(len(wanted.published), 100)
+        begun = len(offline_run(b"").published)
+        self.assertGreater(len(wanted.published), begun + 20)
 
     def test_every_known_log_and_response_comes_out_right(self) -> None:
         for seed in range(3):
@@ -291,7 +339,44 @@ class SyntheticStreams(Scenario):
     def test_everything_together_comes_out_right(self) -> None:
         for seed in range(4):
             self.assert_agreement(Receiver(seed).stream(
-                *POSITIONS, *RECEIVER, Receiver.nmea, Receiver.text, Receiver.response))
+                *POSITIONS, *RECEIVER, *CONTROL, Receiver.nmea, Receiver.text,
+                Receiver.response))
+
+    def test_receiver_control_comes_out_right(self) -> None:
+        for seed in range(4):
+            self.assert_agreement(Receiver(seed).stream(*CONTROL, Receiver.nmea))
+
+    def test_every_firmware_status_comes_out_right(self) -> None:
+        """From idle, each followed by a read of text and one of nothing, alone and overtaken."""
+        text, final = ascii_log("BESTPOSA", "SOL"), "RESET_ERROR"
+        for second in (b"", ascii_log("SOFTLOADSTATUSA", "NOT_STARTED")):
+            self.assert_agreement(b"".join(
+                status_in_a_read_of_its_own(each, second + text, b"\n" * READ)
+                + status_in_a_read_of_its_own(final) for each in KNOWN_STATUSES + UNKNOWN_STATUSES))
+
+    def test_a_capture_may_end_in_any_firmware_status(self) -> None:
+        """The last pass has nothing to read, but its step of the upgrade is made."""
+        padding = binary(999) * 9
+        for each in (*WAITING_STATUSES, *RESET_STATUSES, "NOT_STARTED", "BAD_MODULE", "odd"):
+            self.assert_agreement(padding + ascii_log("SOFTLOADSTATUSA", each))
+            self.assert_agreement(padding[:READ] + status_in_a_read_of_its_own(each))
+
+    def test_a_reset_that_is_pending_outlasts_other_statuses(self) -> None:
+        for seed in range(2):
+            chance = random.Random(seed)
+            statuses = [status for _ in range(60) for status in (
+                chance.choice(RESET_STATUSES), chance.choice(KNOWN_STATUSES + ("odd",)))]
+            self.assert_agreement(b"".join(
+                ascii_log("SOFTLOADSTATUSA", each) for each in statuses))
+
+    def test_the_set_in_use_and_the_model_come_out_right_as_they_change(self) -> None:
+        self.assert_agreement(b"".join((
+            logs.chanconfiglist(0, ((14, 0),)), logs.models((1, b"L12LRVA")),
+            logs.chanconfiglist(2, ((14, 0),), ((12, 1), (2, 4))), logs.models((1, b"L12LGRV")),
+            logs.chanconfiglist(2), logs.models((2, b"L12LRVA")), logs.models(),
+            logs.chanconfiglist(1, tuple((8, signal) for signal in range(30))),
+            logs.models((1, b"G"), (1, b"L12")), logs.chanconfiglist(0, (), ((120, MOST),)),
+        )))
 
     def test_sentences_are_forwarded_with_the_time_of_the_receiver(self) -> None:
         for seed in range(2):

@@ -1,5 +1,8 @@
 // The daemon's entry: settings, every object in its fixed order, the main loop, teardown.
 
+#include "Control/CommandManager.h"
+#include "Control/ConstellationManager.h"
+#include "Control/SoftloadManager.h"
 #include "Framing/NMEASentenceConstructor.h"
 #include "Framing/NovatelASCIISentenceConstructor.h"
 #include "Framing/NovatelBinarySentenceConstructor.h"
@@ -11,16 +14,19 @@
 #include "LogObserver/DiagnosticsObserver.h"
 #include "LogObserver/EpochFlusher.h"
 #include "LogObserver/NMEALogObserver.h"
+#include "LogObserver/PDPFilterResetter.h"
 #include "LogObserver/PositionManager.h"
 #include "LogObserver/ReceiverStatusObserver.h"
 #include "LogObserver/ScreenDumpObserver.h"
 #include "MainLoop.h"
+#include "Port/BreakoutController.h"
 #include "Port/PortHandler.h"
 #include "platform/DebugPrint.h"
 #include "platform/Process.h"
 #include "platform/RemoteLogger.h"
 #include "platform/ServiceLink.h"
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -84,6 +90,62 @@ void DeleteAll(std::vector<T*>& objects) {
     objects.clear();
 }
 
+/// What steers the receiver.
+struct SControl {
+    CCommandManager* commands;
+    SoftloadManager* upgrade;
+    BreakoutController* breakout;
+};
+
+/// The command list comes from a file, when one is named, or from the settings.
+CCommandManager* NewCommandManager(const HandlerSettings& settings, CInputOutputHandler& source,
+                                   CConstellationManager& constellation, CLogger& logger) {
+    auto* const commands = new CCommandManager(settings.Config());
+    commands->SetByteSource(&source);
+    commands->SetConstellationManager(&constellation);
+    if (!commands->LoadConfigurationFile(settings.ConfigurationFile())) {
+        deprintf("Cannot read the receiver's configuration: %s\n", commands->LastError().c_str());
+        logger.Error("Cannot read the receiver's configuration: %s", commands->LastError().c_str());
+    }
+    return commands;
+}
+
+/// Makes the observers in the order in which they are offered each record.
+SControl NewObservers(const HandlerSettings& settings, CInputOutputHandler& source, CLogger& logger,
+                      EpochFlusher* epochFlusher, ObserverList& observers) {
+    auto* const receiverStatus = new CReceiverStatusObserver;
+    auto* const constellation = new CConstellationManager;
+    auto* const positionManager = new CPositionManager(logger, settings.Config());
+    positionManager->SetReceiverStatus(receiverStatus);
+    positionManager->SetReferenceManager(new ReferenceManagerAPI);
+    observers = {receiverStatus,           positionManager, new CNMEALogObserver(*receiverStatus),
+                 new CDiagnosticsObserver, constellation,   epochFlusher};
+    if (settings.DisplayPackets()) {
+        observers.push_back(new CScreenDumpObserver);
+    }
+    auto* const commands = NewCommandManager(settings, source, *constellation, logger);
+    observers.push_back(commands);
+    if (settings.PDPFilterReset()) {
+        observers.push_back(new PDPFilterResetter(*commands));
+    }
+    auto* const upgrade = new SoftloadManager(&source, logger);
+    observers.push_back(upgrade);
+    auto* const breakout = new BreakoutController(source, settings.BreakoutMode());
+    breakout->SetBaudRate(settings.BaudRate());
+    return {commands, upgrade, breakout};
+}
+
+Novatel::CPortHandler* NewPortHandler(const std::string& name, const HandlerSettings& settings,
+                                      CInputOutputHandler* source, const FramerList& framers,
+                                      const ObserverList& observers, SoftloadManager* upgrade) {
+    auto* const handler = new Novatel::CPortHandler(name, settings.Config());
+    handler->SetByteSource(source);
+    handler->SetFramers(&framers);
+    handler->SetObservers(&observers);
+    handler->SetUpgradeManager(upgrade);
+    return handler;
+}
+
 /// Wires everything up, runs the loop and takes down what holds a resource. The port handlers, the
 /// socket collection and the logger are left to the end of the process, which follows at once.
 int RunDaemon(const HandlerSettings& settings) {
@@ -97,27 +159,18 @@ int RunDaemon(const HandlerSettings& settings) {
     CInputOutputHandler* const diagnosticSource = NewDiagnosticSource();
     FramerList mainFramers = NewFramers();
     FramerList diagnosticFramers = NewFramers();
-
-    auto* const receiverStatus = new CReceiverStatusObserver;
-    auto* const positionManager = new CPositionManager(*logger, settings.Config());
-    positionManager->SetReceiverStatus(receiverStatus);
-    positionManager->SetReferenceManager(new ReferenceManagerAPI);
+    ObserverList observers;
     auto* const epochFlusher = new EpochFlusher;
-    ObserverList observers{receiverStatus, positionManager, new CNMEALogObserver(*receiverStatus),
-                           new CDiagnosticsObserver, epochFlusher};
-    if (settings.DisplayPackets()) {
-        observers.push_back(new CScreenDumpObserver);
-    }
+    const SControl control = NewObservers(settings, *mainSource, *logger, epochFlusher, observers);
 
     auto* const diagnosticHandler =
-        new Novatel::CPortHandler("NovatelPortHandler2", settings.Config());
-    diagnosticHandler->SetByteSource(diagnosticSource);
-    diagnosticHandler->SetFramers(&diagnosticFramers);
-    diagnosticHandler->SetObservers(&observers);
-    auto* const mainHandler = new Novatel::CPortHandler("NovatelPortHandler", settings.Config());
-    mainHandler->SetByteSource(mainSource);
-    mainHandler->SetFramers(&mainFramers);
-    mainHandler->SetObservers(&observers);
+        NewPortHandler("NovatelPortHandler2", settings, diagnosticSource, diagnosticFramers,
+                       observers, control.upgrade);
+    diagnosticHandler->SetPrimary(false);
+    auto* const mainHandler = NewPortHandler("NovatelPortHandler", settings, mainSource,
+                                             mainFramers, observers, control.upgrade);
+    mainHandler->SetCommandManager(control.commands);
+    mainHandler->SetBreakoutController(control.breakout);
     epochFlusher->SetPortHandler(mainHandler);
     const std::vector<Novatel::CPortHandler*> portHandlers{diagnosticHandler, mainHandler};
 

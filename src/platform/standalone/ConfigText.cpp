@@ -116,6 +116,25 @@ std::optional<std::string> CConfigText::Get(std::string_view section, std::strin
     return m_lines[index].value;
 }
 
+std::optional<std::map<std::string, std::string>>
+CConfigText::GetSection(std::string_view section) const {
+    std::map<std::string, std::string> values;
+    bool isNamed = false;
+    for (const SLine& line : m_lines) {
+        if (line.section != section) {
+            continue;
+        }
+        isNamed = isNamed || line.kind == EKind::Header;
+        if (line.kind == EKind::Entry) {
+            values[line.key] = line.value; // the last one holds
+        }
+    }
+    if (!isNamed) {
+        return std::nullopt;
+    }
+    return values;
+}
+
 void CConfigText::Set(const std::string& section, const std::string& key,
                       const std::string& value) {
     const std::size_t index = FindLast(section, key);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -28,6 +29,9 @@ public:
 
     /// The value of the last entry with this key; nothing when there is none.
     std::optional<std::string> Get(std::string_view section, std::string_view key) const;
+
+    /// The values of the section's entries by key; nothing when no header names it.
+    std::optional<std::map<std::string, std::string>> GetSection(std::string_view section) const;
 
     /// Changes the last entry with this key, or adds one at the end of its section, or that section
     /// at the end. The arguments must have passed the checks below.

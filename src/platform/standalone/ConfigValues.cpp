@@ -36,6 +36,24 @@ std::optional<std::string> CConfigValues::Get(const std::string& section, const 
     return unsaved != m_unsaved.end() ? unsaved->second : m_file.Read().Get(section, key);
 }
 
+std::optional<std::map<std::string, std::string>>
+CConfigValues::GetSection(const std::string& section) {
+    const std::lock_guard lock(m_mutex);
+    auto values = m_file.Read().GetSection(section);
+    for (const auto& [key, value] : m_unsaved) {
+        if (key.first != section) {
+            continue;
+        }
+        if (value) {
+            values = values.value_or(std::map<std::string, std::string>());
+            (*values)[key.second] = *value;
+        } else if (values) {
+            values->erase(key.second);
+        }
+    }
+    return values;
+}
+
 bool CConfigValues::Change(const std::string& section, const std::string& key,
                            std::optional<std::string> value) {
     if (const char* const reason = WhyNot(section, key, value)) {

@@ -16,6 +16,9 @@ public:
 
     std::optional<std::string> Get(const std::string& section, const std::string& key);
 
+    /// The values of a section by key; nothing when there is no such section.
+    std::optional<std::map<std::string, std::string>> GetSection(const std::string& section);
+
     /// Sets the value, or removes the key when there is none, and writes all that is not written
     /// yet. False if that failed, or if an INI file cannot carry it: then nothing changes. Why is
     /// told on standard error.

@@ -19,6 +19,7 @@ namespace Core::IO {
 
 namespace {
 
+constexpr Time kDrainPoll = Time::FromMilliseconds(2);
 constexpr const char* kInUse = "in use by another program";
 
 /// Whether it is a pseudo-terminal's device side (major numbers 136 to 143, the kernel's
@@ -144,17 +145,48 @@ bool Serial::HasLeftOrWaits(WriteTail::EResult result) {
     return Lose(errno == ETIMEDOUT ? "takes no bytes any more" : std::strerror(errno));
 }
 
+bool Serial::Drain() {
+    const MonotonicTime deadline = MonotonicTime::Now() + kDrainLimit;
+    while (ContinueWriting()) {
+        if (!HasUnsentBytes()) {
+            // The driver's buffer is empty: this waits for the line's own few bytes alone.
+            ::tcdrain(m_descriptor);
+            return Succeed();
+        }
+        if (MonotonicTime::Now() >= deadline) {
+            return Fail("what was written does not leave");
+        }
+        Sleep(kDrainPoll);
+    }
+    return false;
+}
+
+bool Serial::HasUnsentBytes() const {
+    int inDriver = 0;
+    return HasWaitingBytes() || (::ioctl(m_descriptor, TIOCOUTQ, &inDriver) == 0 && inDriver > 0);
+}
+
 bool Serial::SetBaudRate(std::int32_t baud) {
     if (baud <= 0) {
         return Fail("no line has a speed of " + std::to_string(baud) + " baud");
     }
+    const bool hasLeft = !IsOpen() || Drain();
+    const std::string failure = m_lastError;
     if (IsOpen()) {
+        if (!hasLeft) {
+            m_tail.Clear();
+            ::tcflush(m_descriptor, TCOFLUSH);
+        }
         if (const std::string reason = ChangeLineSpeed(m_descriptor, baud); !reason.empty()) {
             return Fail(reason);
         }
     }
     m_baud = baud;
-    return Succeed();
+    Succeed();
+    if (!hasLeft) {
+        m_lastError = failure;
+    }
+    return hasLeft;
 }
 
 bool Serial::SendBreak(float seconds) {

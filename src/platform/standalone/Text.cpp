@@ -47,6 +47,17 @@ bool ParseDouble(std::string_view text, double& value) {
     return true;
 }
 
+std::vector<std::string_view> Split(std::string_view text, char separator, std::size_t maxParts) {
+    std::vector<std::string_view> parts;
+    std::size_t at = 0;
+    while (parts.size() + 1 < maxParts && (at = text.find(separator)) != std::string_view::npos) {
+        parts.push_back(text.substr(0, at));
+        text.remove_prefix(at + 1);
+    }
+    parts.push_back(text);
+    return parts;
+}
+
 std::string_view Trim(std::string_view text) {
     const std::string_view left = WithoutLeadingBlanks(text);
     return left.substr(0, left.find_last_not_of(kBlanks) + 1);

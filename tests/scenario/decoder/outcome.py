@@ -5,6 +5,9 @@ from dataclasses import dataclass, field
 
 from decoder.records import Record
 
+LEAVES_AFTER = {"logger.register": 0, "logger.event": 1}
+STATE = 2
+
 
 @dataclass
 class Outcome:
@@ -17,6 +20,9 @@ class Outcome:
     def publish(self, method: str, *fields) -> None:
         self.published.append(f"{method} {json.dumps(fields, ensure_ascii=False, allow_nan=False)}")
 
+    def register(self, name: str) -> None:
+        self.publish("logger.register", name, "corvane", "<pid>", "<version>")
+
     def essential(self, name: str, key: str, value: str) -> None:
         self.publish("logger.status", name, "essential", key, value)
 
@@ -26,9 +32,16 @@ class Outcome:
     def warn(self, name: str, text: str) -> None:
         self.publish("logger.event", name, "warning", text)
 
+    def error(self, name: str, text: str) -> None:
+        self.publish("logger.event", name, "error", text)
+
     def diagnostic(self, name: str, descriptor: tuple[int, int], raised: bool) -> None:
         """Each call is told, whether or not it changes anything."""
         if raised:
             self.publish("diagnostics.raise", name, *descriptor, 1)
         else:
             self.publish("diagnostics.clear", name, *descriptor)
+
+    def connect(self) -> None:
+        """All so far was said to nobody: names leave first, then lines, then what is a state."""
+        self.published.sort(key=lambda line: LEAVES_AFTER.get(line.partition(" ")[0], STATE))

@@ -45,6 +45,7 @@ class ReceiverStatus:
         self._idle = 0
         self._counts: dict[str, int] = {}
         self._times: dict[str, int] = {}  # milliseconds since GPS time began
+        outcome.register(LOGGER)
         outcome.publish("position.sky", "CPositionAPI", [])
 
     def take(self, record: Record) -> None:

@@ -47,7 +47,7 @@ def _ascii(sentence: bytes) -> Record | None:
     name, comma, _ = sentence[1:].partition(b",")
     if not comma or name != b"SOFTLOADSTATUSA":
         return None
-    status = sentence.partition(b";")[2].partition(b"*")[0]
+    status = sentence.rpartition(b"*")[0].partition(b";")[2]
     return Record("softload", SOFTLOAD_ID,
                   content={"text": status, "value": SOFTLOAD_VALUES.get(status)})
 

@@ -1,14 +1,20 @@
 """What a whole offline run must print and publish, worked out from the bytes of the capture."""
 
 import hashlib
+from collections import deque
 from collections.abc import Iterator
 
+from decoder.commands import CONFIGURATION
+from decoder.constellation import Constellation
 from decoder.framers import GOOD, framers
 from decoder.nmea_diagnostics import Diagnostics, Nmea
 from decoder.outcome import Outcome
+from decoder.position import LOGGER as PROCESS_LOGGER
 from decoder.position import Position
+from decoder.printf import text
 from decoder.receiver_status import ReceiverStatus
 from decoder.records import NMEA_ID, Record, decode
+from decoder.softload import Softload
 
 READ_SIZE = 1024
 RAW_BLOCK = 1024  # so many bytes or more are handed on at once
@@ -30,9 +36,9 @@ def dump_lines(record: Record) -> bytes:
     lines = (f"ID = {record.message_id}, size = 0, week = {record.week}, "
              f"seconds = {seconds}\n").encode()
     if record.kind == "response":
-        text = record.content["text"].split(b"\0")[0]
+        answer = record.content["text"].split(b"\0")[0]
         lines += (f"Response: Log={record.message_id}, ID={record.content['identifier']}: "
-                  f'"').encode() + text + b'"\n'
+                  f'"').encode() + answer + b'"\n'
     return lines
 
 
@@ -43,17 +49,37 @@ def data_value(record: Record) -> str:
 
 
 class _Port:
-    """The main port: framers, counters and the bytes not yet handed on."""
+    """The main port: commands to be sent, framers, counters and the bytes not yet handed on."""
 
-    def __init__(self, outcome: Outcome, observers: tuple) -> None:
+    def __init__(self, outcome: Outcome, observers: tuple, softload: Softload) -> None:
         self._outcome = outcome
         self._observers = observers
+        self._softload = softload
+        self._upgrading = False
+        self._commands: deque[str] = deque()
         self._framers = framers()
         self._good = 0
         self._rejected = 0
         self._captured = bytearray()
 
-    def take(self, chunk: bytes) -> None:
+    def start(self) -> None:
+        self._outcome.essential(MAIN, "receiver_initialisations", "1")
+        self._commands.extend(CONFIGURATION)
+
+    def handle(self, source: Iterator[bytes]) -> bool:
+        """One pass; False when there was nothing left to read."""
+        self._upgrading = self._softload.is_upgrading()
+        if self._upgrading:
+            self._softload.service()
+        elif self._commands:
+            self._outcome.warn(MAIN, f"Sending buffered command: {self._commands.popleft()}")
+            return True
+        chunk = next(source, b"")
+        if chunk:
+            self._take(chunk)
+        return bool(chunk)
+
+    def _take(self, chunk: bytes) -> None:
         for framer in self._framers:
             for result, sentence in framer.feed(chunk):
                 self._count(result, sentence)
@@ -64,6 +90,8 @@ class _Port:
     def _count(self, result: int, sentence: bytes) -> None:
         if result == GOOD:
             self._good += 1
+            if self._upgrading and sentence[:1] == b"#":
+                self._outcome.error(MAIN, f"sentence data during upgrade: {text(sentence)}")
             self._dispatch(decode(sentence))
         else:
             self._rejected += 1
@@ -78,6 +106,7 @@ class _Port:
             self._hand_on()
         self._outcome.records.append(record)
         self._outcome.dump += dump_lines(record)
+        self._softload.take(record)
         self._outcome.publish("logger.data", MAIN, f"QRS_{record.message_id}", data_value(record))
 
     def _hand_on(self) -> None:
@@ -93,20 +122,25 @@ def _chunks(data: bytes) -> Iterator[bytes]:
 
 
 def _observers(outcome: Outcome) -> tuple:
-    """In the order in which each record passes them; two publish when they are made."""
+    """In the order in which each record passes them; three publish when they are made."""
     receiver = ReceiverStatus(outcome)
-    return (receiver, Position(outcome, receiver), Nmea(outcome, receiver), Diagnostics(outcome))
+    constellation = Constellation(outcome)
+    return (receiver, Position(outcome, receiver), Nmea(outcome, receiver), Diagnostics(outcome),
+            constellation)
 
 
 def offline_run(capture: bytes) -> Outcome:
-    """`corvane -p -u none -d -f CAPTURE` with a collecting server and no multiplexer."""
+    """`corvane -p -u none -d -f CAPTURE`: a collecting server, no multiplexer, no settings."""
     outcome = Outcome()
-    for name in ("NovatelPositionManager", "NovatelReceiverStatus", SECOND, MAIN):
-        outcome.publish("logger.register", name, "corvane", "<pid>", "<version>")
-    port = _Port(outcome, _observers(outcome))
+    outcome.register(PROCESS_LOGGER)
+    observers = _observers(outcome)
     for name in (SECOND, MAIN):
+        outcome.register(name)
         outcome.essential(name, "started", "started")
-    outcome.essential(MAIN, "receiver_initialisations", "1")
-    for chunk in _chunks(capture):
-        port.take(chunk)
+    port = _Port(outcome, observers, Softload(outcome))
+    port.start()
+    outcome.connect()
+    source = _chunks(capture)
+    while port.handle(source):
+        pass
     return outcome

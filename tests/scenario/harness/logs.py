@@ -63,11 +63,30 @@ def comconfig(*ports: tuple[int, int, int, int]) -> bytes:
     return binary(317, u32(len(ports)) + blocks)
 
 
+def _component(kind: int, model: bytes, software: bytes) -> bytes:
+    return struct.pack("<I16s16s16s16s16s12s12s", kind, model, b"serial", b"hardware", software,
+                       b"", b"", b"")
+
+
+def _version(*components: bytes) -> bytes:
+    return binary(37, u32(len(components)) + b"".join(components))
+
+
 def version(*components: tuple[int, bytes]) -> bytes:
     """Each by its type and its software version."""
-    blocks = b"".join(struct.pack("<I16s16s16s16s16s12s12s", kind, b"model", b"serial", b"hardware",
-                                  software, b"", b"", b"") for kind, software in components)
-    return binary(37, u32(len(components)) + blocks)
+    return _version(*(_component(kind, b"model", software) for kind, software in components))
+
+
+def models(*components: tuple[int, bytes]) -> bytes:
+    """A VERSION; each by its type and its model."""
+    return _version(*(_component(kind, model, b"software") for kind, model in components))
+
+
+def chanconfiglist(in_use: int, *sets: tuple[tuple[int, int], ...]) -> bytes:
+    """Each set by its pairs of a channel count and a signal type."""
+    blocks = b"".join(u32(len(pairs), *(value for pair in pairs for value in pair))
+                      for pairs in sets)
+    return binary(1148, u32(in_use, len(sets)) + blocks)
 
 
 def time(milliseconds: int) -> bytes:

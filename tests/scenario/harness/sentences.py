@@ -43,8 +43,9 @@ def response(message_id: int, identifier: int, text: bytes) -> bytes:
     return binary(message_id, u32(identifier) + text, message_type=0x80)
 
 
-def ascii_log(name: str, body: str) -> bytes:
-    text = f"{name},USB2,0,97.5,UNKNOWN,0,0.186,004c0001,2d64,3153;{body}".encode()
+def ascii_log(name: str, body: str | bytes) -> bytes:
+    text = f"{name},USB2,0,97.5,UNKNOWN,0,0.186,004c0001,2d64,3153;".encode()
+    text += body if isinstance(body, bytes) else body.encode()
     return b"#" + text + f"*{_crc(text):08x}\r\n".encode()
 
 

@@ -50,6 +50,9 @@ public:
     /// Goes on with what waits; called once a pass.
     virtual void ContinueWriting() {}
 
+    /// Waits, at most about a second, until what was written has left.
+    virtual void Drain() {}
+
     /// Why the source was lost or cannot be opened, once for each new reason and again after it
     /// was open in between; empty when there is nothing to tell.
     std::string TakeFailure();

@@ -116,6 +116,16 @@ void CQuentaHandler::ContinueWriting() {
     }
 }
 
+void CQuentaHandler::Drain() {
+    if (m_connection && !m_connection->Drain() && m_connection->IsConnected()) {
+        ReportFailure("port " + std::to_string(m_portNumber) +
+                      " of the multiplexer does not take what was written");
+    }
+    if (m_connection) {
+        NoticeLoss();
+    }
+}
+
 void CQuentaHandler::NoticeLoss() {
     if (m_isOpen && !m_connection->IsConnected()) {
         m_isOpen = false;
@@ -139,6 +149,7 @@ bool CQuentaHandler::SetReadTimeout(Core::Time timeout) {
 }
 
 bool CQuentaHandler::SetBaudRate(std::int32_t baud) {
+    Drain();
     m_unsentBaudRate = baud;
     return m_portNumber == kNotSet || SendBaudRate();
 }

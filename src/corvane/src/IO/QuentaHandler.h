@@ -33,7 +33,8 @@ public:
     bool SetDevice(const std::string& device) override;
     /// Whole milliseconds; without one, and with a negative one, a read never waits.
     bool SetReadTimeout(Core::Time timeout) override;
-    /// Tells the multiplexer at once when the port number is known, else when the port is opened.
+    /// Tells the multiplexer at once when the port number is known, else when the port is opened;
+    /// what was written reaches it before.
     /// False when that failed; the port's next opening then tries again.
     bool SetBaudRate(std::int32_t baud) override;
 
@@ -41,6 +42,7 @@ public:
 
     bool HasWaitingBytes() const override;
     void ContinueWriting() override;
+    void Drain() override;
 
 private:
     static constexpr std::int32_t kNotSet = -1;

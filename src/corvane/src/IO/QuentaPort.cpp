@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <linux/sockios.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/select.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -15,6 +17,8 @@
 using Core::IO::WriteTail;
 
 namespace {
+
+constexpr Core::Time kDrainPoll = Core::Time::FromMilliseconds(2);
 
 /// A path that is too long for an address is cut, and its last byte stays zero.
 sockaddr_un ToAddress(const std::string& path) {
@@ -76,6 +80,26 @@ void QuentaPort::ContinueWriting() {
     if (HasWaitingBytes()) {
         Took(m_tail.Continue(m_descriptor));
     }
+}
+
+bool QuentaPort::Drain() {
+    const Core::MonotonicTime deadline = Core::MonotonicTime::Now() + kDrainLimit;
+    while (IsConnected()) {
+        ContinueWriting();
+        if (!HasUntakenBytes()) {
+            return IsConnected();
+        }
+        if (Core::MonotonicTime::Now() >= deadline) {
+            return false;
+        }
+        Core::Sleep(kDrainPoll);
+    }
+    return false;
+}
+
+bool QuentaPort::HasUntakenBytes() const {
+    int inSocket = 0;
+    return HasWaitingBytes() || (ioctl(m_descriptor, SIOCOUTQ, &inSocket) == 0 && inSocket > 0);
 }
 
 bool QuentaPort::Took(WriteTail::EResult result) {

@@ -14,6 +14,8 @@ public:
     /// The multiplexer's sockets have this path, followed by the port's number.
     static constexpr const char* kSocketPrefix = "/tmp/tty_socket_";
 
+    static constexpr Core::Time kDrainLimit = Core::Time::FromMilliseconds(1000);
+
     explicit QuentaPort(std::int32_t portNumber, std::string socketPrefix = kSocketPrefix);
     ~QuentaPort() { Close(); }
     QuentaPort(const QuentaPort&) = delete;
@@ -33,6 +35,9 @@ public:
     /// Goes on with what waits; the connection is lost when that fails or stalls.
     void ContinueWriting();
     bool HasWaitingBytes() const { return !m_tail.IsEmpty(); }
+    /// Waits, at most kDrainLimit, until the multiplexer has taken all that was written; false when
+    /// it has not by then, or when the connection is gone.
+    bool Drain();
 
     /// Reads what is there, up to `length` bytes; `count` says how many that were, perhaps none.
     /// False when not connected or on an error; the end of the stream reads as no bytes. Both the
@@ -52,6 +57,7 @@ private:
     bool FailToConnect(const char* what);
     void Lose(const std::string& reason);
     bool Took(Core::IO::WriteTail::EResult result);
+    bool HasUntakenBytes() const;
 
     std::int32_t m_portNumber;
     std::string m_socketPrefix;

@@ -76,6 +76,12 @@ void CSerialHandler::ContinueWriting() {
     }
 }
 
+void CSerialHandler::Drain() {
+    if (m_serial->IsOpen()) {
+        Tell(m_serial->Drain());
+    }
+}
+
 bool CSerialHandler::Tell(bool hasSucceeded) {
     if (!hasSucceeded) {
         ReportFailure(m_serial->LastError());

@@ -33,6 +33,7 @@ public:
     int FileDescriptor() const override;
     bool HasWaitingBytes() const override;
     void ContinueWriting() override;
+    void Drain() override;
 
 private:
     bool Tell(bool hasSucceeded);

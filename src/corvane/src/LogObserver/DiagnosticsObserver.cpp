@@ -1,6 +1,6 @@
 #include "LogObserver/DiagnosticsObserver.h"
 
-#include "LogObserver/LogCast.h"
+#include "Logs/LogCast.h"
 #include "Logs/NovatelOEMV/NovatelBinary/NovatelBinaryRecord.h"
 #include "Logs/NovatelOEMV/NovatelRXSTATUS.h"
 

@@ -1,6 +1,6 @@
 #include "LogObserver/EpochFlusher.h"
 
-#include "LogObserver/LogCast.h"
+#include "Logs/LogCast.h"
 #include "Logs/NovatelOEMV/NovatelPDPSTAT.h"
 #include "Logs/NovatelOEMV/NovatelPDPXYZ.h"
 #include "Port/PortHandler.h"

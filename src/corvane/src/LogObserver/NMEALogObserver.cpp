@@ -1,6 +1,6 @@
 #include "LogObserver/NMEALogObserver.h"
 
-#include "LogObserver/LogCast.h"
+#include "Logs/LogCast.h"
 #include "LogObserver/ReceiverStatusObserver.h"
 #include "Logs/NMEARecord.h"
 

@@ -1,7 +1,7 @@
 #include "LogObserver/PositionManager.h"
 
 #include "LogObserver/GeodeticPosition.h"
-#include "LogObserver/LogCast.h"
+#include "Logs/LogCast.h"
 #include "LogObserver/ReceiverStatusObserver.h"
 #include "LogObserver/SolutionQuality.h"
 #include "Logs/DamagedLog.h"

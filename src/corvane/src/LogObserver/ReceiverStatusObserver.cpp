@@ -1,7 +1,7 @@
 #include "LogObserver/ReceiverStatusObserver.h"
 
 #include "LogObserver/InterfaceModeName.h"
-#include "LogObserver/LogCast.h"
+#include "Logs/LogCast.h"
 #include "Logs/DamagedLog.h"
 #include "Logs/NovatelOEMV/NovatelASCIIRecord.h"
 #include "Logs/NovatelOEMV/NovatelBinary/NovatelBinaryRecord.h"

@@ -1,9 +1,12 @@
 #include "Port/PortHandler.h"
 
+#include "Control/CommandManager.h"
+#include "Control/SoftloadManager.h"
 #include "Framing/RecordFactory.h"
 #include "Framing/SentenceConstructor.h"
 #include "IO/InputOutputHandler.h"
 #include "Logs/GPSRecord.h"
+#include "Port/BreakoutController.h"
 #include "platform/DebugPrint.h"
 
 #include <memory>
@@ -20,6 +23,8 @@ constexpr Core::Time kResetTime = Core::Time::FromMilliseconds(30'000);
 /// A capture that grows past this is handed over.
 constexpr std::size_t kMaxCapture = 1023;
 constexpr std::uint64_t kRepeatedInitialisations = 10;
+/// How often a queue without commands is looked at.
+constexpr Core::Time kCommandPollInterval = Core::Time::FromMilliseconds(100);
 
 /// Counters are published as their low 32 bits.
 int Low32(std::uint64_t count) {
@@ -47,6 +52,9 @@ int CPortHandler::FileDescriptor() const {
 }
 
 bool CPortHandler::Start() {
+    if (m_breakout != nullptr) {
+        m_breakout->PerformBreakout();
+    }
     InitialiseReceiver();
     ArmPortTimer(Core::MonotonicTime::Now());
     return true;
@@ -55,6 +63,9 @@ bool CPortHandler::Start() {
 void CPortHandler::InitialiseReceiver() {
     ++m_initialisations;
     m_logger.SetEssentialStatus("receiver_initialisations", "%d", Low32(m_initialisations));
+    if (m_commands != nullptr) {
+        m_commands->ReplayConfiguration();
+    }
     if (m_initialisations >= kRepeatedInitialisations) {
         m_diagnostics.Raise(kRepeatedInitialisationDiagnostic, 1);
     }
@@ -68,7 +79,8 @@ bool CPortHandler::HandlePort(bool readable) {
     const Core::MonotonicTime now = Core::MonotonicTime::Now();
     m_source->ContinueWriting();
     TellFailure();
-    if (CheckTimeout(now) || !readable) {
+    ServiceUpgrade(now);
+    if (SendNextCommand(now) || CheckTimeout(now) || !readable) {
         return true;
     }
     const std::string bytes = m_source->Read();
@@ -77,6 +89,31 @@ bool CPortHandler::HandlePort(bool readable) {
         return false;
     }
     HandleBytes(bytes);
+    return true;
+}
+
+void CPortHandler::ServiceUpgrade(Core::MonotonicTime now) {
+    m_upgrading = m_upgrade != nullptr && m_upgrade->IsUpgrading();
+    if (m_upgrading && m_isPrimary) {
+        m_upgrade->Service(now);
+    }
+}
+
+/// True when a command was sent. A receiver that reads slowly gets the next one when it has taken
+/// what was written before.
+bool CPortHandler::SendNextCommand(Core::MonotonicTime now) {
+    if (m_commands == nullptr || m_upgrading || now < m_commandPoll ||
+        m_source->HasWaitingBytes()) {
+        return false;
+    }
+    const std::string command = m_commands->NextCommand();
+    if (command.empty()) {
+        m_commandPoll = now + kCommandPollInterval;
+        return false;
+    }
+    m_logger.Warn("Sending buffered command: %s", command.c_str());
+    m_source->Write(command);
+    m_commands->InspectCommand(command);
     return true;
 }
 
@@ -128,6 +165,10 @@ void CPortHandler::PublishChecksums() {
 /// A sentence that becomes no record does not count as a sign of life: a port that brings nothing
 /// else still times out.
 void CPortHandler::ProcessSentence() {
+    if (m_upgrading && m_sentence.front() == '#') {
+        const std::string text(m_sentence.begin(), m_sentence.end());
+        m_logger.Error("sentence data during upgrade: %s", text.c_str());
+    }
     m_diagnostics.SignalActivity();
     const std::unique_ptr<CGPSRecord> record(CreateRecord(m_sentence, ECRCCheck::alreadyPassed));
     if (record == nullptr) {
@@ -151,12 +192,15 @@ void CPortHandler::PublishTiming(const CGPSRecord& record) {
 }
 
 bool CPortHandler::CheckTimeout(Core::MonotonicTime now) {
-    if (now < m_portTimer) {
+    if (now < m_portTimer || m_upgrading) {
         return false;
     }
     if (!m_resetting) {
         m_logger.Error("CorvanePortTimeout resetting receiver");
         m_diagnostics.Raise(kPortTimeoutDiagnostic, 1);
+        if (m_commands != nullptr) {
+            m_commands->Reset();
+        }
         m_resetDeadline = now + kResetTime;
         m_resetting = true;
     } else if (now >= m_resetDeadline) {

@@ -12,9 +12,12 @@
 #include <string>
 #include <vector>
 
+class BreakoutController;
+class CCommandManager;
 class CGPSRecord;
 class CInputOutputHandler;
 class CSentenceConstructor;
+class SoftloadManager;
 
 namespace Novatel {
 
@@ -23,8 +26,9 @@ inline constexpr Diagnosticator::SDescriptor kPortTimeoutDiagnostic{90001, 0};
 /// Raised from the tenth receiver initialisation of the process on.
 inline constexpr Diagnosticator::SDescriptor kRepeatedInitialisationDiagnostic{90002, 0};
 
-/// Created by start-up, one a port; the main loop calls HandlePort() once a pass. It owns neither
-/// its byte source nor its framers and observers. Publishes under its own name.
+/// Created by start-up, one a port; the main loop calls HandlePort() once a pass. It owns nothing
+/// that it is given. Without a command manager it sends nothing and resets no receiver, without a
+/// breakout controller its port is taken as it is. Publishes under its own name.
 class CPortHandler {
 public:
     using FramerList = std::vector<CSentenceConstructor*>;
@@ -41,14 +45,22 @@ public:
     /// Observers appended to the list later are seen by the next record.
     void SetObservers(const ObserverList* observers) { m_observers = observers; }
 
+    void SetCommandManager(CCommandManager* commands) { m_commands = commands; }
+    void SetUpgradeManager(SoftloadManager* upgrade) { m_upgrade = upgrade; }
+    /// Only the primary handler, which it is unless told otherwise, drives a firmware upgrade.
+    void SetPrimary(bool isPrimary) { m_isPrimary = isPrimary; }
+    void SetBreakoutController(BreakoutController* breakout) { m_breakout = breakout; }
+
     CInputOutputHandler* ByteSource() const { return m_source; }
     /// The byte source's descriptor, -1 without a source.
     int FileDescriptor() const;
 
-    /// Initialises the receiver and arms the silence timer.
+    /// Performs the breakout, queues the receiver's configuration and arms the silence timer. Takes
+    /// as long as the breakout does. Always true.
     bool Start();
 
-    /// One pass. False only when the port was readable but gave no bytes.
+    /// One pass: a step of a firmware upgrade; else one command, if any waits, and nothing more;
+    /// else what has come in. False only when the port was readable but gave no bytes.
     bool HandlePort(bool readable);
 
     /// Writes an encoded command. True only when the byte source's vector write returns the number
@@ -66,6 +78,8 @@ protected:
 
 private:
     void InitialiseReceiver();
+    void ServiceUpgrade(Core::MonotonicTime now);
+    bool SendNextCommand(Core::MonotonicTime now);
     void HandleBytes(const std::string& bytes);
     void DrainFramer(CSentenceConstructor& framer);
     void PublishChecksums();
@@ -78,6 +92,10 @@ private:
     CInputOutputHandler* m_source = nullptr;
     const FramerList* m_framers = nullptr;
     const ObserverList* m_observers = nullptr;
+    CCommandManager* m_commands = nullptr;
+    SoftloadManager* m_upgrade = nullptr;
+    BreakoutController* m_breakout = nullptr;
+    bool m_isPrimary = true;
     CRemoteLogger m_logger;
     Diagnosticator::CDiagnosticatorAPI m_diagnostics;
 
@@ -85,7 +103,9 @@ private:
     Core::MonotonicTime m_portTimer;
     Core::MonotonicTime m_resetDeadline;
     bool m_resetting = false;
-    std::int32_t m_portTimeout; ///< seconds
+    bool m_upgrading = false;
+    Core::MonotonicTime m_commandPoll; ///< until then the empty queue is not looked at again
+    std::int32_t m_portTimeout;        ///< seconds
     std::uint64_t m_sentencesGood = 0;
     std::uint64_t m_sentencesRejected = 0;
     std::uint64_t m_initialisations = 0;

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 /// Reads and writes the INI file named by the environment's CORVANE_CONFIG, else
@@ -29,6 +31,9 @@ public:
                             std::int32_t defaultValue);
     double GetDouble(const std::string& section, const std::string& key, double defaultValue);
     bool GetBoolean(const std::string& section, const std::string& key, bool defaultValue);
+
+    /// The values of all keys of a section; nothing when there is no such section.
+    std::optional<std::map<std::string, std::string>> GetSection(const std::string& section);
 
     /// Each returns whether the value is safely in the file. If it is not, one line on standard
     /// error says why, and the value holds for this process. A section, key or value that an INI

@@ -28,4 +28,10 @@ constexpr T Degrees(T radians) {
     return radians * (static_cast<T>(180) / Math<T>::kPi);
 }
 
+/// An angle given in degrees.
+template <typename T>
+constexpr T Radians(T degrees) {
+    return degrees * (Math<T>::kPi / static_cast<T>(180));
+}
+
 } // namespace Core::Maths

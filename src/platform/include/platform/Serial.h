@@ -12,9 +12,11 @@
 namespace Core::IO {
 
 /// One serial device. Nothing here waits longer than the read time-out, whatever the line does,
-/// but a break, which lasts as long as it was ordered to.
+/// but a break, which lasts as long as it was ordered to, and the draining of what was written.
 class Serial {
 public:
+    static constexpr Time kDrainLimit = Time::FromMilliseconds(1000);
+
     /// Does not open the device. `baud` in bits per second.
     Serial(std::string device, std::int32_t baud, Time readTimeout);
     ~Serial();
@@ -44,8 +46,13 @@ public:
     /// A time-out of zero or less waits for nothing.
     void SetTimeout(Time readTimeout) { m_readTimeout = readTimeout; }
 
-    /// Changes the speed at once when open, else with the next Open(). False when refused: then
-    /// the line keeps the speed it has.
+    /// Waits, at most kDrainLimit, until all that was written has left. False when the line is
+    /// closed or lost, or when something is still there.
+    bool Drain();
+
+    /// Changes the speed at once when open, else with the next Open(). What was written leaves at
+    /// the old speed; what does not leave in time is dropped, and the result is false although the
+    /// speed has changed. False also when the speed is refused: then the line keeps the one it has.
     bool SetBaudRate(std::int32_t baud);
 
     /// Holds the line in the break state for `seconds`. Bytes that have not left yet are dropped.
@@ -65,6 +72,7 @@ private:
     bool Lose(const std::string& reason);
     bool WriteBytes(const std::uint8_t* bytes, std::size_t count);
     bool HasLeftOrWaits(WriteTail::EResult result);
+    bool HasUnsentBytes() const;
 
     std::string m_device;
     std::int32_t m_baud;

@@ -1,4 +1,4 @@
-#include "LogObserver/LogCast.h"
+#include "Logs/LogCast.h"
 
 #include "Framing/RecordFactory.h"
 #include "Logs/NMEARecord.h"
