@@ -1,7 +1,7 @@
 #include "LogObserver/NMEALogObserver.h"
 
-#include "Logs/LogCast.h"
 #include "LogObserver/ReceiverStatusObserver.h"
+#include "Logs/LogCast.h"
 #include "Logs/NMEARecord.h"
 
 #include <algorithm>

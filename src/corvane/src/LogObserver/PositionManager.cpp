@@ -1,10 +1,10 @@
 #include "LogObserver/PositionManager.h"
 
 #include "LogObserver/GeodeticPosition.h"
-#include "Logs/LogCast.h"
 #include "LogObserver/ReceiverStatusObserver.h"
 #include "LogObserver/SolutionQuality.h"
 #include "Logs/DamagedLog.h"
+#include "Logs/LogCast.h"
 #include "Logs/NovatelOEMV/NovatelBESTPOS.h"
 #include "Logs/NovatelOEMV/NovatelPDPSTAT.h"
 #include "Logs/NovatelOEMV/NovatelPDPXYZ.h"

@@ -1,8 +1,8 @@
 #include "LogObserver/ReceiverStatusObserver.h"
 
 #include "LogObserver/InterfaceModeName.h"
-#include "Logs/LogCast.h"
 #include "Logs/DamagedLog.h"
+#include "Logs/LogCast.h"
 #include "Logs/NovatelOEMV/NovatelASCIIRecord.h"
 #include "Logs/NovatelOEMV/NovatelBinary/NovatelBinaryRecord.h"
 #include "Logs/NovatelOEMV/NovatelCHANCONFIGLIST.h"
