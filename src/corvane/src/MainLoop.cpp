@@ -33,11 +33,15 @@ void CMainLoop::RunPass() {
     const int highest = PrepareSets(readSet, writeSet);
     timeval timeout{};
     timeout.tv_usec = kSelectTimeoutMicroseconds;
-    if (select(highest + 1, &readSet, &writeSet, nullptr, &timeout) < 0) {
+    const int ready = select(highest + 1, &readSet, &writeSet, nullptr, &timeout);
+    if (ready < 0) {
         return;
     }
     if (!m_logger.IdleTimeStamp().IsZero()) {
         m_logger.ReallyCheckIdle();
+    }
+    if (ready == 0) {
+        m_rpcServer.Idle();
     }
     const Core::MonotonicTime beforeSockets = Core::MonotonicTime::Now();
     m_sockets.Service(readSet, writeSet);

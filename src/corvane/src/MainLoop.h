@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/Logger.h"
+#include "platform/MPISocketServer.h"
 #include "platform/SocketCollection.h"
 #include "platform/Time.h"
 
@@ -18,8 +19,11 @@ class CMainLoop {
 public:
     /// The handlers are served in this order in every pass. Nothing is owned.
     CMainLoop(const std::vector<Novatel::CPortHandler*>& portHandlers, SocketCollectionC& sockets,
-              CLogger& logger)
-        : m_portHandlers(portHandlers), m_sockets(sockets), m_logger(logger) {}
+              MPISocketServerC& rpcServer, CLogger& logger)
+        : m_portHandlers(portHandlers),
+          m_sockets(sockets),
+          m_rpcServer(rpcServer),
+          m_logger(logger) {}
 
     void Run();
 
@@ -31,6 +35,7 @@ private:
 
     const std::vector<Novatel::CPortHandler*>& m_portHandlers;
     SocketCollectionC& m_sockets;
+    MPISocketServerC& m_rpcServer;
     CLogger& m_logger;
     bool m_stop = false;
     Core::UnixTime m_lastFailure;

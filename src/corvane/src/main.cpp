@@ -21,6 +21,7 @@
 #include "MainLoop.h"
 #include "Port/BreakoutController.h"
 #include "Port/PortHandler.h"
+#include "RPC/NovatelMPIServer.h"
 #include "platform/DebugPrint.h"
 #include "platform/Process.h"
 #include "platform/RemoteLogger.h"
@@ -41,6 +42,7 @@ constexpr int kRealTimeClass = 1;
 /// The multiplexer's port on which the receiver's diagnostic port is read.
 constexpr char kDiagnosticPort[] = "52";
 constexpr std::int32_t kDiagnosticReadSize = 4096;
+constexpr int kRPCBacklog = 5;
 
 bool IsHelpWanted(int argc, char* const argv[]) {
     return argc == 2 &&
@@ -90,8 +92,9 @@ void DeleteAll(std::vector<T*>& objects) {
     objects.clear();
 }
 
-/// What steers the receiver.
+/// What steers the receiver, and what is known of it.
 struct SControl {
+    CReceiverStatusObserver* receiverStatus;
     CCommandManager* commands;
     SoftloadManager* upgrade;
     BreakoutController* breakout;
@@ -132,7 +135,7 @@ SControl NewObservers(const HandlerSettings& settings, CInputOutputHandler& sour
     observers.push_back(upgrade);
     auto* const breakout = new BreakoutController(source, settings.BreakoutMode());
     breakout->SetBaudRate(settings.BaudRate());
-    return {commands, upgrade, breakout};
+    return {receiverStatus, commands, upgrade, breakout};
 }
 
 Novatel::CPortHandler* NewPortHandler(const std::string& name, const HandlerSettings& settings,
@@ -144,6 +147,20 @@ Novatel::CPortHandler* NewPortHandler(const std::string& name, const HandlerSett
     handler->SetObservers(&observers);
     handler->SetUpgradeManager(upgrade);
     return handler;
+}
+
+CNovatelMPIServer* NewRPCServer(CConfig& config, SocketCollectionC& sockets,
+                                const SControl& control, CLogger& logger) {
+    auto* const server =
+        new CNovatelMPIServer(sockets, control.commands, control.upgrade, control.receiverStatus);
+    const auto report = [&logger](const std::string& failure) {
+        deprintf("RPC service: %s\n", failure.c_str());
+        logger.Error("RPC service: %s", failure.c_str());
+    };
+    server->StartServer(config.GetString("platform", "rpc_listen", "127.0.0.1"),
+                        CNovatelMPIServer::kPort, kRPCBacklog, report);
+    sockets.Add(server);
+    return server;
 }
 
 /// Wires everything up, runs the loop and takes down what holds a resource. The port handlers, the
@@ -176,12 +193,13 @@ int RunDaemon(const HandlerSettings& settings) {
 
     auto* const sockets = new SocketCollectionC;
     sockets->Add(&ServiceLink::Socket());
+    MPISocketServerC* const rpcServer = NewRPCServer(settings.Config(), *sockets, control, *logger);
     mainHandler->Start();
     logger->SetIdleParameters(settings.Config().GetDouble("Corvane", "idle_delay_threshold", 0.0));
     if (settings.IsRawFile() || settings.IsReplay()) {
         ServiceLink::BeginOfflineRun();
     }
-    CMainLoop(portHandlers, *sockets, *logger).Run();
+    CMainLoop(portHandlers, *sockets, *rpcServer, *logger).Run();
 
     DeleteAll(diagnosticFramers);
     DeleteAll(mainFramers);

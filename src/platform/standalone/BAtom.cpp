@@ -51,7 +51,7 @@ const BDictionaryC* BAtomC::AsDictionary() const {
     return dictionary == nullptr ? nullptr : dictionary->get();
 }
 
-BListC& BListC::Append(BAtomC value) {
+BListC& BListC::Add(BAtomC value) {
     m_values.push_back(std::move(value));
     return *this;
 }
@@ -59,6 +59,19 @@ BListC& BListC::Append(BAtomC value) {
 const BAtomC& BListC::At(std::size_t position) const {
     static const BAtomC nothing;
     return position < m_values.size() ? m_values[position] : nothing;
+}
+
+std::int32_t BListC::GetInt(std::size_t position) const {
+    return At(position).AsInteger().value_or(0);
+}
+
+double BListC::GetDouble(std::size_t position) const {
+    return At(position).AsDouble().value_or(0.0);
+}
+
+std::string BListC::GetString(std::size_t position) const {
+    const std::string* const text = At(position).AsText();
+    return text == nullptr ? std::string() : *text;
 }
 
 BDictionaryC& BDictionaryC::Set(std::string name, BAtomC value) {

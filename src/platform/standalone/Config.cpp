@@ -121,6 +121,10 @@ bool CConfig::GetBoolean(const std::string& section, const std::string& key, boo
     return m_impl->GetAs(section, key, defaultValue, "a boolean", ParseBoolean);
 }
 
+std::vector<std::string> CConfig::GetSections() {
+    return m_impl->GetSections();
+}
+
 std::optional<std::map<std::string, std::string>> CConfig::GetSection(const std::string& section) {
     return m_impl->GetSection(section);
 }

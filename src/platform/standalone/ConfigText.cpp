@@ -116,6 +116,17 @@ std::optional<std::string> CConfigText::Get(std::string_view section, std::strin
     return m_lines[index].value;
 }
 
+std::vector<std::string> CConfigText::GetSections() const {
+    std::vector<std::string> sections;
+    for (const SLine& line : m_lines) {
+        if (line.kind == EKind::Header &&
+            std::find(sections.begin(), sections.end(), *line.section) == sections.end()) {
+            sections.push_back(*line.section);
+        }
+    }
+    return sections;
+}
+
 std::optional<std::map<std::string, std::string>>
 CConfigText::GetSection(std::string_view section) const {
     std::map<std::string, std::string> values;

@@ -30,6 +30,9 @@ public:
     /// The value of the last entry with this key; nothing when there is none.
     std::optional<std::string> Get(std::string_view section, std::string_view key) const;
 
+    /// The sections that have a header, each once.
+    std::vector<std::string> GetSections() const;
+
     /// The values of the section's entries by key; nothing when no header names it.
     std::optional<std::map<std::string, std::string>> GetSection(std::string_view section) const;
 

@@ -3,6 +3,8 @@
 #include "JSONText.h"
 #include "platform/DebugPrint.h"
 
+#include <algorithm>
+
 namespace {
 
 /// On one line whatever the text holds.
@@ -34,6 +36,17 @@ std::optional<std::string> CConfigValues::Get(const std::string& section, const 
     const std::lock_guard lock(m_mutex);
     const auto unsaved = m_unsaved.find({section, key});
     return unsaved != m_unsaved.end() ? unsaved->second : m_file.Read().Get(section, key);
+}
+
+std::vector<std::string> CConfigValues::GetSections() {
+    const std::lock_guard lock(m_mutex);
+    std::vector<std::string> sections = m_file.Read().GetSections();
+    for (const auto& [key, value] : m_unsaved) {
+        if (value && std::find(sections.begin(), sections.end(), key.first) == sections.end()) {
+            sections.push_back(key.first);
+        }
+    }
+    return sections;
 }
 
 std::optional<std::map<std::string, std::string>>

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 /// What CConfig is made of; may be used by several threads.
 class CConfigValues {
@@ -15,6 +16,9 @@ public:
     explicit CConfigValues(std::string path) : m_file(std::move(path)) {}
 
     std::optional<std::string> Get(const std::string& section, const std::string& key);
+
+    /// The sections that have a header, and those of values that are not written yet.
+    std::vector<std::string> GetSections();
 
     /// The values of a section by key; nothing when there is no such section.
     std::optional<std::map<std::string, std::string>> GetSection(const std::string& section);

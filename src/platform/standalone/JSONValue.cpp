@@ -10,6 +10,7 @@
 
 namespace {
 
+using JSONValue::EFault;
 using nlohmann::json;
 
 /// Builds the value while the text is parsed. Open lists and dictionaries are kept here and not on
@@ -36,6 +37,8 @@ public:
     bool string(string_t& value) override { return Place(std::move(value)); }
     bool binary(binary_t&) override { return false; }
 
+    EFault Fault() const { return m_fault; }
+
     bool start_object(std::size_t) override { return Begin(); }
     bool key(string_t& name) override {
         m_open.back().name = std::move(name);
@@ -57,7 +60,12 @@ private:
 
     bool Begin() {
         m_open.emplace_back();
-        return m_open.size() <= JSONValue::kMaxDepth;
+        return m_open.size() <= JSONValue::kMaxDepth || Fail(EFault::tooDeep);
+    }
+
+    bool Fail(EFault fault) {
+        m_fault = fault;
+        return false;
     }
 
     SOpen Finish() {
@@ -72,14 +80,56 @@ private:
         } else if (SOpen& open = m_open.back(); open.name) {
             open.dictionary.Set(std::move(*open.name), std::move(value));
         } else {
-            open.list.Append(std::move(value));
+            open.list.Add(std::move(value));
         }
         return true;
     }
 
     std::vector<SOpen> m_open;
     BAtomC m_value;
+    std::size_t m_count = 0;
+    EFault m_fault = EFault::notJSON;
 };
+
+/// Sees whether a text is JSON and keeps nothing of it but how deep it is.
+class CChecker : public json::json_sax_t {
+public:
+    EFault Fault() const { return m_isTooDeep ? EFault::tooDeep : EFault::notJSON; }
+
+    bool null() override { return true; }
+    bool boolean(bool) override { return true; }
+    bool number_integer(number_integer_t) override { return true; }
+    bool number_unsigned(number_unsigned_t) override { return true; }
+    bool number_float(number_float_t, const string_t&) override { return true; }
+    bool string(string_t&) override { return true; }
+    bool binary(binary_t&) override { return false; }
+    bool start_object(std::size_t) override { return Begin(); }
+    bool key(string_t&) override { return true; }
+    bool end_object() override { return End(); }
+    bool start_array(std::size_t) override { return Begin(); }
+    bool end_array() override { return End(); }
+    bool parse_error(std::size_t, const std::string&, const json::exception&) override {
+        return false;
+    }
+
+private:
+    bool Begin() {
+        m_isTooDeep = ++m_depth > JSONValue::kMaxDepth;
+        return !m_isTooDeep;
+    }
+    bool End() {
+        --m_depth;
+        return true;
+    }
+
+    std::size_t m_depth = 0;
+    bool m_isTooDeep = false;
+};
+
+/// The parser would take a zero byte for the end of the text and not look at what follows.
+bool HasZeroByte(std::string_view text) {
+    return text.find('\0') != std::string_view::npos;
+}
 
 void AppendList(std::string& out, const BListC& list) {
     out += "[";
@@ -105,16 +155,19 @@ void AppendDictionary(std::string& out, const BDictionaryC& dictionary) {
 
 } // namespace
 
-std::optional<BAtomC> JSONValue::Read(std::string_view text) {
-    // The parser would take a zero byte for the end of the text and not look at what follows.
-    if (text.find('\0') != std::string_view::npos) {
-        return std::nullopt;
-    }
+std::optional<BAtomC> JSONValue::Read(std::string_view text, EFault* fault) {
     CValueBuilder builder;
-    if (!json::sax_parse(text.begin(), text.end(), &builder)) {
-        return std::nullopt;
+    const bool isRead = !HasZeroByte(text) && json::sax_parse(text.begin(), text.end(), &builder);
+    if (fault != nullptr) {
+        *fault = isRead ? EFault::none : builder.Fault();
     }
-    return builder.TakeValue();
+    return isRead ? std::optional<BAtomC>(builder.TakeValue()) : std::nullopt;
+}
+
+JSONValue::EFault JSONValue::Check(std::string_view text) {
+    CChecker checker;
+    const bool isJSON = !HasZeroByte(text) && json::sax_parse(text.begin(), text.end(), &checker);
+    return isJSON ? EFault::none : checker.Fault();
 }
 
 void JSONValue::Append(std::string& out, const BAtomC& value) {

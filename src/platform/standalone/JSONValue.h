@@ -11,13 +11,25 @@ namespace JSONValue {
 
 /// Lists and dictionaries may lie in each other this deep; no message of the project needs ten.
 inline constexpr std::size_t kMaxDepth = 32;
+/// A text may hold so many values, which bounds the memory that they take.
+inline constexpr std::size_t kMaxValues = 10'000;
 
-/// The value of one JSON text; nothing when it is not JSON, is nested deeper than kMaxDepth, or
-/// holds a number beyond the range of a double. Of a repeated name the last value holds.
+enum class EFault {
+    none,
+    notJSON,       ///< also a number beyond the range of a double
+    tooDeep,       ///< nested deeper than kMaxDepth
+    tooManyValues, ///< more than kMaxValues
+};
+
+/// The value of one JSON text; nothing, and why in `fault`, when there is none or it is beyond a
+/// limit. Of a repeated name the last value holds.
 ///
 /// A whole number beyond 32 bits becomes a double; `true` and `false`, which are no value here,
 /// become nothing: so neither reads as an integer.
-std::optional<BAtomC> Read(std::string_view text);
+std::optional<BAtomC> Read(std::string_view text, EFault* fault = nullptr);
+
+/// What is wrong with a JSON text, however many values it holds.
+EFault Check(std::string_view text);
 
 /// Appends a value as JSON text without any line break.
 void Append(std::string& out, const BAtomC& value);

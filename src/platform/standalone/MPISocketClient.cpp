@@ -10,6 +10,7 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <utility>
 
 namespace {
 
@@ -80,7 +81,7 @@ bool MPISocketClientC::Connect(const std::string& host, std::uint16_t port, std:
     int failure = errno;
     if (descriptor >= 0) {
         m_connection.emplace(descriptor);
-        failure = ConnectWithin(kTimeout, *m_connection, address);
+        failure = ConnectWithin(m_timeout, *m_connection, address);
         if (failure == 0) {
             return true;
         }
@@ -106,22 +107,69 @@ bool MPISocketClientC::Call(const std::string& method, const BListC& params, BAt
 }
 
 MPISocketClientC::EOutcome MPISocketClientC::Exchange(BAtomC& result, std::string& error) {
-    const Core::MonotonicTime deadline = Core::MonotonicTime::Now() + kTimeout;
+    const Core::MonotonicTime deadline = Core::MonotonicTime::Now() + m_timeout;
     while (true) {
         const EOutcome outcome = TakeAnswer(result, error);
         if (outcome != EOutcome::other) {
             return outcome;
         }
-        const int events = m_connection->HasWaitingBytes() ? POLLIN | POLLOUT : POLLIN;
-        if (!m_connection->Wait(static_cast<short>(events), deadline)) {
-            error = "no answer within the time-out";
-            return EOutcome::broken;
-        }
-        if (!m_connection->Receive() || !m_connection->Send()) {
-            error = errno == 0 ? "the peer has closed the connection" : std::strerror(errno);
+        if (!Transfer(deadline, error)) {
+            error = error.empty() ? "no answer within the time-out" : error;
             return EOutcome::broken;
         }
     }
+}
+
+/// Sends and receives what can be now. False, with an empty `error`, when the time has run out.
+bool MPISocketClientC::Transfer(Core::MonotonicTime deadline, std::string& error) {
+    error.clear();
+    const int events = m_connection->HasWaitingBytes() ? POLLIN | POLLOUT : POLLIN;
+    if (!m_connection->Wait(static_cast<short>(events), deadline)) {
+        return false;
+    }
+    if (!m_connection->Receive() || !m_connection->Send()) {
+        error = errno == 0 ? "the peer has closed the connection" : std::strerror(errno);
+        return false;
+    }
+    return true;
+}
+
+std::optional<MPISocketClientC::SCallback> MPISocketClientC::NextCallback(Core::Time timeout,
+                                                                          std::string& error) {
+    error = m_connection ? "" : "not connected";
+    const Core::MonotonicTime deadline = Core::MonotonicTime::Now() + timeout;
+    while (m_connection) {
+        BAtomC ignored;
+        if (TakeAnswer(ignored, error) == EOutcome::broken) {
+            Close();
+            break;
+        }
+        if (!m_callbacks.empty()) {
+            SCallback callback = std::move(m_callbacks.front());
+            m_callbacks.pop_front();
+            return callback;
+        }
+        if (!Transfer(deadline, error)) {
+            if (!error.empty()) {
+                Close();
+            }
+            break;
+        }
+    }
+    return std::nullopt;
+}
+
+bool MPISocketClientC::KeepCallback(const BDictionaryC& members) {
+    const BAtomC* const method = members.Find("method");
+    if (method == nullptr || method->AsText() == nullptr) {
+        return false;
+    }
+    const BAtomC* const params = members.Find("params");
+    m_callbacks.push_back({*method->AsText(), params == nullptr ? BAtomC() : *params});
+    if (m_callbacks.size() > kMaxCallbacks) {
+        m_callbacks.pop_front();
+    }
+    return true;
 }
 
 MPISocketClientC::EOutcome MPISocketClientC::TakeAnswer(BAtomC& result, std::string& error) {
@@ -142,12 +190,15 @@ MPISocketClientC::EOutcome MPISocketClientC::TakeAnswer(BAtomC& result, std::str
 }
 
 MPISocketClientC::EOutcome MPISocketClientC::Judge(const std::string& line, BAtomC& result,
-                                                   std::string& error) const {
+                                                   std::string& error) {
     const std::optional<BAtomC> message = JSONValue::Read(line);
     const BDictionaryC* members = message ? message->AsDictionary() : nullptr;
     if (members == nullptr) {
         error = "the answer is not a JSON object";
         return EOutcome::broken;
+    }
+    if (KeepCallback(*members)) {
+        return EOutcome::other;
     }
     const BAtomC* id = members->Find("id");
     const BAtomC* failure = members->Find("error");

@@ -1,4 +1,7 @@
-#include "platform/MPISocketClient.h"
+#include "platform/MPISocketConnection.h"
+
+#include "JSONText.h"
+#include "JSONValue.h"
 
 #include <array>
 #include <cerrno>
@@ -50,11 +53,31 @@ MPISocketConnectionC::ELine MPISocketConnectionC::TakeLine(std::string& line) {
     return ELine::partial;
 }
 
-void MPISocketConnectionC::Queue(const std::string& line) {
-    m_output.erase(0, m_sent);
-    m_sent = 0;
-    m_output += line;
+void MPISocketConnectionC::Queue(std::string_view line) {
+    std::string& target = m_isInLine ? m_behind : m_output;
+    target += line;
+    target += '\n';
+}
+
+void MPISocketConnectionC::QueuePart(std::string_view part) {
+    m_isInLine = true;
+    m_output += part;
+}
+
+void MPISocketConnectionC::EndLine() {
     m_output += '\n';
+    m_output += m_behind;
+    m_behind = std::string();
+    m_isInLine = false;
+}
+
+void MPISocketConnectionC::PostCallback(const std::string& method, const BListC& params) {
+    std::string text = R"({"jsonrpc":"2.0","method":)";
+    JSONText::AppendString(text, method);
+    text += R"(,"params":)";
+    JSONValue::Append(text, params);
+    text += '}';
+    Queue(text);
 }
 
 bool MPISocketConnectionC::Send() {
@@ -62,13 +85,23 @@ bool MPISocketConnectionC::Send() {
         const ssize_t count =
             send(m_descriptor, m_output.data() + m_sent, m_output.size() - m_sent, MSG_NOSIGNAL);
         if (count < 0) {
-            return MayTryAgain(errno);
+            const int failure = errno;
+            if (m_sent > m_output.size() / 2) {
+                m_output.erase(0, m_sent);
+                m_sent = 0;
+            }
+            return MayTryAgain(failure);
         }
         m_sent += static_cast<std::size_t>(count);
     }
     m_output.clear();
     m_sent = 0;
     return true;
+}
+
+void MPISocketConnectionC::ReleaseMemory() {
+    m_input.shrink_to_fit();
+    m_output.shrink_to_fit();
 }
 
 bool MPISocketConnectionC::Wait(short events, Core::MonotonicTime deadline) const {

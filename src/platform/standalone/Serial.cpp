@@ -148,9 +148,12 @@ bool Serial::HasLeftOrWaits(WriteTail::EResult result) {
 bool Serial::Drain() {
     const MonotonicTime deadline = MonotonicTime::Now() + kDrainLimit;
     while (ContinueWriting()) {
-        if (!HasUnsentBytes()) {
-            // The driver's buffer is empty: this waits for the line's own few bytes alone.
-            ::tcdrain(m_descriptor);
+        const bool hasUnsentBytes = HasUnsentBytes();
+        // With the driver's buffer empty this waits for the line's own few bytes alone.
+        if (!hasUnsentBytes && ::tcdrain(m_descriptor) != 0 && errno == EIO) {
+            return Lose("hung up");
+        }
+        if (!hasUnsentBytes) {
             return Succeed();
         }
         if (MonotonicTime::Now() >= deadline) {

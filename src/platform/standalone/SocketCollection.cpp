@@ -18,7 +18,9 @@ int SocketCollectionC::AddToSets(fd_set& readSet, fd_set& writeSet) const {
         if (descriptor < 0 || descriptor >= FD_SETSIZE) {
             continue;
         }
-        FD_SET(descriptor, &readSet);
+        if (socket->WantsToRead()) {
+            FD_SET(descriptor, &readSet);
+        }
         if (socket->WantsToWrite()) {
             FD_SET(descriptor, &writeSet);
         }
@@ -35,6 +37,9 @@ void SocketCollectionC::Service(const fd_set& readSet, const fd_set& writeSet) {
         const bool fits = descriptor >= 0 && descriptor < FD_SETSIZE;
         socket->Service(fits && FD_ISSET(descriptor, &readSet),
                         fits && FD_ISSET(descriptor, &writeSet));
+    }
+    for (std::size_t i = 0; i < m_sockets.size(); ++i) {
+        m_sockets[i]->AfterService();
     }
 }
 

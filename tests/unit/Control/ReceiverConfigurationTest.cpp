@@ -37,8 +37,7 @@ Commands CommandsOf(const SConfigurationChoice& choice) {
 }
 
 std::size_t Count(const Commands& commands, const std::string& command) {
-    return static_cast<std::size_t>(
-        std::count(commands.begin(), commands.end(), command + "\r\n"));
+    return static_cast<std::size_t>(std::count(commands.begin(), commands.end(), command + "\r\n"));
 }
 
 using Visitor = std::function<void(SConfigurationChoice&)>;

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <set>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -39,8 +40,36 @@ protected:
         }
     }
 
+    /// So much waits that some of it still does after the kernel has moved its buffers on.
+    void JamLine() {
+        WriteUntilBytesWait();
+        ASSERT_TRUE(m_source.Write(std::string(128 * 1024, 'z')));
+    }
+
     CPseudoTerminal m_terminal;
     CSerialHandler m_source;
+};
+
+/// A clock during whose pauses the far end reads.
+class CDrainingClock {
+public:
+    explicit CDrainingClock(CPseudoTerminal& terminal) { s_terminal = &terminal; }
+
+    void LetFarEndRead() {
+        s_speeds.clear();
+        m_clock.AtPause([] {
+            const termios settings = s_terminal->Settings();
+            s_speeds.insert(::cfgetospeed(&settings));
+            s_terminal->Receive(1024);
+        });
+    }
+    const std::set<speed_t>& SpeedsWhileDraining() const { return s_speeds; }
+
+private:
+    CFakeClock m_clock;
+
+    static inline CPseudoTerminal* s_terminal = nullptr;
+    static inline std::set<speed_t> s_speeds;
 };
 
 } // namespace
@@ -221,9 +250,7 @@ TEST_F(SerialSource, goes_on_with_bytes_that_wait) {
 TEST_F(SerialSource, that_takes_no_bytes_for_ten_seconds_is_closed_and_told) {
     CFakeClock clock;
     ASSERT_TRUE(m_source.Open());
-    WriteUntilBytesWait();
-    // So much that some of it still waits after the kernel has moved its buffers on.
-    ASSERT_TRUE(m_source.Write(std::string(128 * 1024, 'z')));
+    JamLine();
     while (m_source.HasWaitingBytes()) {
         clock.Advance(Time::FromMilliseconds(10'000));
         m_source.ContinueWriting();
@@ -231,6 +258,56 @@ TEST_F(SerialSource, that_takes_no_bytes_for_ten_seconds_is_closed_and_told) {
     EXPECT_FALSE(m_source.IsOpen());
     EXPECT_FALSE(m_source.HasWaitingBytes());
     EXPECT_THAT(m_source.TakeFailure(), EndsWith(": takes no bytes any more"));
+}
+
+TEST_F(SerialSource, is_drained_when_the_far_end_reads) {
+    CDrainingClock clock(m_terminal);
+    ASSERT_TRUE(m_source.Open());
+    JamLine();
+    clock.LetFarEndRead();
+    m_source.Drain();
+    EXPECT_FALSE(m_source.HasWaitingBytes());
+    EXPECT_EQ(m_source.TakeFailure(), "");
+}
+
+TEST_F(SerialSource, that_is_not_drained_within_a_second_stays_open_and_tells) {
+    CFakeClock clock;
+    ASSERT_TRUE(m_source.Open());
+    JamLine();
+    const Time start = clock.Now();
+    m_source.Drain();
+    EXPECT_EQ(clock.Now() - start, Time::FromMilliseconds(1000));
+    EXPECT_EQ(m_source.TakeFailure(), m_terminal.Device() + ": what was written does not leave");
+    EXPECT_TRUE(m_source.IsOpen());
+    EXPECT_TRUE(m_source.HasWaitingBytes());
+}
+
+TEST_F(SerialSource, that_is_closed_has_nothing_to_drain_and_that_is_no_news) {
+    const CFakeClock clock;
+    m_source.Drain();
+    EXPECT_TRUE(clock.Pauses().empty());
+    EXPECT_EQ(m_source.TakeFailure(), "");
+}
+
+TEST_F(SerialSource, is_drained_before_it_changes_its_speed) {
+    CDrainingClock clock(m_terminal);
+    ASSERT_TRUE(m_source.Open());
+    JamLine();
+    clock.LetFarEndRead();
+    EXPECT_TRUE(m_source.SetBaudRate(9600));
+    EXPECT_EQ(clock.SpeedsWhileDraining(), std::set<speed_t>{B115200});
+    EXPECT_EQ(Speed(), speed_t{B9600});
+    EXPECT_EQ(m_source.TakeFailure(), "");
+}
+
+TEST_F(SerialSource, changes_its_speed_also_when_it_is_not_drained_and_tells) {
+    const CFakeClock clock;
+    ASSERT_TRUE(m_source.Open());
+    JamLine();
+    EXPECT_TRUE(m_source.SetBaudRate(9600));
+    EXPECT_EQ(Speed(), speed_t{B9600});
+    EXPECT_FALSE(m_source.HasWaitingBytes());
+    EXPECT_EQ(m_source.TakeFailure(), m_terminal.Device() + ": what was written does not leave");
 }
 
 TEST_F(SerialSource, that_is_closed_is_opened_for_a_break) {

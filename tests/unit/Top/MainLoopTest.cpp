@@ -65,7 +65,7 @@ protected:
         handler.SetObservers(&m_observers);
     }
 
-    void Run() { CMainLoop(m_handlers, m_sockets, m_logger).Run(); }
+    void Run() { CMainLoop(m_handlers, m_sockets, m_rpcServer, m_logger).Run(); }
 
     CFakeClock m_clock;
     CPublished m_published;
@@ -79,6 +79,7 @@ protected:
     Novatel::CPortHandler m_second{"Second", m_config};
     std::vector<Novatel::CPortHandler*> m_handlers{&m_first, &m_second};
     SocketCollectionC m_sockets;
+    MPISocketServerC m_rpcServer{m_sockets};
     CCountingSocket m_socket;
     CRemoteLogger m_logger{"Loop"};
 };

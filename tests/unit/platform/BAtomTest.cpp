@@ -61,7 +61,7 @@ TEST(BAtom, holds_a_text_that_is_no_number_whatever_it_says) {
 }
 
 TEST(BAtom, holds_a_list_that_is_nothing_else) {
-    const BAtomC value(BListC().Append(1).Append("two"));
+    const BAtomC value(BListC().Add(1).Add("two"));
     ASSERT_NE(value.AsList(), nullptr);
     EXPECT_EQ(value.AsList()->Size(), 2u);
     EXPECT_EQ(value.AsDictionary(), nullptr);
@@ -80,14 +80,14 @@ TEST(BAtom, holds_a_dictionary_that_is_nothing_else) {
 
 TEST(BAtom, keeps_a_list_as_it_was_when_the_original_goes_on) {
     BListC list;
-    list.Append(1);
+    list.Add(1);
     const BAtomC value(list);
-    list.Append(2);
+    list.Add(2);
     EXPECT_EQ(value.AsList()->Size(), 1u);
 }
 
 TEST(BAtom, keeps_its_copy_when_the_original_is_given_something_else) {
-    BAtomC original(BListC().Append("inner"));
+    BAtomC original(BListC().Add("inner"));
     const BAtomC copy = original;
     original = 3;
     ASSERT_NE(copy.AsList(), nullptr);
@@ -96,7 +96,7 @@ TEST(BAtom, keeps_its_copy_when_the_original_is_given_something_else) {
 }
 
 TEST(BList, keeps_its_values_in_order) {
-    const BListC list = BListC().Append(1).Append("two").Append(3.5);
+    const BListC list = BListC().Add(1).Add("two").Add(3.5);
     ASSERT_EQ(list.Size(), 3u);
     EXPECT_EQ(list.At(0).AsInteger(), 1);
     EXPECT_EQ(*list.At(1).AsText(), "two");
@@ -107,7 +107,7 @@ TEST(BList, keeps_its_values_in_order) {
 
 TEST(BList, gives_nothing_past_its_end) {
     EXPECT_TRUE(BListC().At(0).IsNull());
-    EXPECT_TRUE(BListC().Append(1).At(1).IsNull());
+    EXPECT_TRUE(BListC().Add(1).At(1).IsNull());
 }
 
 TEST(BDictionary, finds_values_by_name) {

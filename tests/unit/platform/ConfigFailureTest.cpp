@@ -18,6 +18,8 @@ using testing::internal::GetCapturedStderr;
 
 namespace {
 
+using Values = std::map<std::string, std::string>;
+
 /// A file that cannot be written: its folder's place is taken by a file.
 class UnwritableConfig : public CConfigFixture {
 protected:
@@ -103,6 +105,27 @@ TEST_F(UnwritableConfig, follows_the_file_again_once_it_is_written) {
     EXPECT_TRUE(m_config.Save());
     Folder().Write("place/corvane.conf", "[a]\nk = 2\n");
     EXPECT_EQ(m_config.GetInteger("a", "k", 0), 2);
+}
+
+TEST_F(UnwritableConfig, has_the_sections_of_the_values_that_hold_for_the_process) {
+    EXPECT_FALSE(m_config.SetInteger("a", "k", 1));
+    EXPECT_FALSE(m_config.SetInteger("a", "l", 2));
+    EXPECT_FALSE(m_config.Remove("b", "k"));
+    EXPECT_EQ(m_config.GetSection("a"), (Values{{"k", "1"}, {"l", "2"}}));
+    EXPECT_EQ(m_config.GetSection("b"), std::nullopt);
+}
+
+TEST_F(LockedConfig, has_sections_of_the_file_with_what_holds_for_the_process) {
+    Write("[a]\nk = 1\nl = 2\n[b]\nk = 3\n");
+    std::filesystem::create_directory(Path() + ".lock"); // so that nothing can be written
+    EXPECT_FALSE(m_config.SetInteger("a", "k", 4));
+    EXPECT_FALSE(m_config.SetInteger("a", "m", 5));
+    EXPECT_FALSE(m_config.Remove("a", "l"));
+    EXPECT_EQ(m_config.GetSection("a"), (Values{{"k", "4"}, {"m", "5"}}));
+    EXPECT_EQ(m_config.GetSection("b"), (Values{{"k", "3"}}));
+    EXPECT_FALSE(m_config.Remove("b", "k"));
+    EXPECT_EQ(m_config.GetSection("b"), Values{});
+    EXPECT_EQ(Contents(), "[a]\nk = 1\nl = 2\n[b]\nk = 3\n");
 }
 
 TEST_F(CConfigFixture, that_may_not_be_written_lets_a_value_be_removed_for_the_process) {

@@ -12,6 +12,8 @@ using testing::internal::GetCapturedStderr;
 
 namespace {
 
+using Values = std::map<std::string, std::string>;
+
 class Config : public CConfigFixture {
 protected:
     CConfig m_config{Path()};
@@ -64,6 +66,19 @@ TEST_F(Config, reads_booleans_in_every_form) {
         Write(std::string("[a]\nk = ") + text + '\n');
         EXPECT_FALSE(m_config.GetBoolean("a", "k", true)) << text;
     }
+}
+
+TEST_F(Config, reads_a_whole_section_as_it_is_at_the_moment) {
+    EXPECT_EQ(m_config.GetSection("a"), std::nullopt);
+    Write("[a]\nk = 1\nl = some text\n[b]\n");
+    EXPECT_EQ(m_config.GetSection("a"), (Values{{"k", "1"}, {"l", "some text"}}));
+    EXPECT_EQ(m_config.GetSection("b"), Values{});
+    Write("[a]\nk = 2\n");
+    EXPECT_EQ(m_config.GetSection("a"), (Values{{"k", "2"}}));
+    EXPECT_EQ(m_config.GetSection("b"), std::nullopt);
+    EXPECT_TRUE(m_config.SetInteger("a", "m", 3));
+    EXPECT_TRUE(m_config.Remove("a", "k"));
+    EXPECT_EQ(m_config.GetSection("a"), (Values{{"m", "3"}}));
 }
 
 TEST_F(Config, says_once_that_a_value_is_not_what_it_should_be_and_takes_the_default) {

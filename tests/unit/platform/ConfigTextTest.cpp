@@ -4,6 +4,8 @@
 
 namespace {
 
+using Values = std::map<std::string, std::string>;
+
 /// What a text reads after one value is set in it.
 std::string After(const std::string& text, const std::string& section, const std::string& key,
                   const std::string& value) {
@@ -61,6 +63,49 @@ TEST(ConfigText, tells_upper_from_lower_case) {
 TEST(ConfigText, takes_the_last_of_a_repeated_key) {
     const CConfigText config("[a]\nk = 1\nk = 2\n[b]\nk = 9\n[a]\nk = 3\n");
     EXPECT_EQ(config.Get("a", "k"), "3");
+}
+
+TEST(ConfigText, gives_a_section_as_values_by_key) {
+    const CConfigText config(kExample);
+    EXPECT_EQ(config.GetSection("platform"), (Values{{"baud", "115200"}, {"mode", "fast"}}));
+    EXPECT_EQ(config.GetSection("glide"), (Values{{"obstruction_lockout", "30"}}));
+    EXPECT_EQ(CConfigText("[a]\nK = 1\nk =\n").GetSection("a"), (Values{{"K", "1"}, {"k", ""}}));
+}
+
+TEST(ConfigText, tells_a_section_without_keys_from_one_that_is_not_there) {
+    const CConfigText config("[a]\n; k = 1\n\n[b]\nk = 1\n");
+    EXPECT_EQ(config.GetSection("a"), Values{});
+    EXPECT_EQ(config.GetSection("A"), std::nullopt);
+    EXPECT_EQ(config.GetSection(""), std::nullopt);
+    EXPECT_EQ(CConfigText("").GetSection("a"), std::nullopt);
+}
+
+TEST(ConfigText, gives_the_last_of_a_sections_repeated_keys_and_all_its_parts) {
+    const CConfigText config("[a]\nk = 1\nk = 2\nl = 3\n[b]\nk = 9\n[a]\nm = 4\nl = 5\n");
+    EXPECT_EQ(config.GetSection("a"), (Values{{"k", "2"}, {"l", "5"}, {"m", "4"}}));
+}
+
+TEST(ConfigText, gives_no_section_what_it_does_not_understand) {
+    const CConfigText config("[a]\nnonsense\nk = 1\n = 2\n[open\nlost = 1\n[b]\n");
+    EXPECT_EQ(config.GetSection("a"), (Values{{"k", "1"}}));
+    EXPECT_EQ(config.GetSection("open"), std::nullopt);
+    EXPECT_EQ(config.GetSection("b"), Values{});
+}
+
+TEST(ConfigText, gives_the_entries_before_the_first_section_no_section) {
+    EXPECT_EQ(CConfigText("k = 1\n[a]\nk = 2\n").GetSection(""), std::nullopt);
+}
+
+TEST(ConfigText, gives_a_section_as_it_has_been_changed) {
+    CConfigText config("[a]\nk = 1\nl = 2\n");
+    config.Set("a", "k", "3");
+    config.Set("a", "m", "4");
+    config.Remove("a", "l");
+    config.Set("b", "k", "5");
+    EXPECT_EQ(config.GetSection("a"), (Values{{"k", "3"}, {"m", "4"}}));
+    EXPECT_EQ(config.GetSection("b"), (Values{{"k", "5"}}));
+    config.Remove("b", "k");
+    EXPECT_EQ(config.GetSection("b"), Values{});
 }
 
 TEST(ConfigText, splits_an_entry_at_its_first_equals_sign) {

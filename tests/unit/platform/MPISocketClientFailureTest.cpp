@@ -144,7 +144,7 @@ TEST(MPISocketClientFailure, a_server_that_does_not_read_costs_no_more) {
     ASSERT_TRUE(client.Connect("127.0.0.1", listener.Port(), failure.error)) << failure.error;
     BAtomC result;
     const Core::MonotonicTime begin = Core::MonotonicTime::Now();
-    const BListC params = BListC().Append(std::string(16 * 1024 * 1024, 'x'));
+    const BListC params = BListC().Add(std::string(16 * 1024 * 1024, 'x'));
     EXPECT_FALSE(client.Call("Method", params, result, failure.error));
     failure.seconds = SecondsSince(begin);
     failure.isConnected = client.IsConnected();

@@ -85,7 +85,7 @@ TEST(MPISocketClient, sends_a_call_as_one_line_with_an_id_that_rises) {
     CAnsweringServer server({"{\"id\":1,\"result\":1}\n", "{\"id\":2,\"result\":2}\n"});
     MPISocketClientC client;
     Connect(client, server.Port());
-    EXPECT_TRUE(Call(client, BListC().Append(50).Append("a\nb").Append(0.5)).succeeded);
+    EXPECT_TRUE(Call(client, BListC().Add(50).Add("a\nb").Add(0.5)).succeeded);
     EXPECT_EQ(Call(client).told, "2");
     EXPECT_EQ(server.Requests(),
               (std::vector<std::string>{

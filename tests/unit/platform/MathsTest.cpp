@@ -11,6 +11,14 @@ TEST(Maths, has_pi_and_degrees) {
     EXPECT_DOUBLE_EQ(Core::Maths::Degrees(-std::acos(-1.0) / 4.0), -45.0);
 }
 
+TEST(Maths, has_radians) {
+    EXPECT_DOUBLE_EQ(Core::Maths::Radians(180.0), std::acos(-1.0));
+    EXPECT_DOUBLE_EQ(Core::Maths::Radians(-45.0), -std::acos(-1.0) / 4.0);
+    EXPECT_EQ(Core::Maths::Radians(0.0), 0.0);
+    EXPECT_DOUBLE_EQ(Core::Maths::Radians(51.5), 0.89884456477707963);
+    EXPECT_FLOAT_EQ(Core::Maths::Radians(90.0F), 1.57079633F);
+}
+
 TEST(Maths, has_the_ellipsoid_with_the_published_figures) {
     // NGA.STND.0036, tables 3.1 and 3.4, where the derived figures are printed.
     EXPECT_DOUBLE_EQ(Maths::WGS_A, 6378137.0);

@@ -2,12 +2,17 @@
 
 #include <clocale>
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 using Core::Utilities::ParseDouble;
 using Core::Utilities::ParseInt;
+using Core::Utilities::Split;
 using Core::Utilities::Trim;
 
 namespace {
+
+using Parts = std::vector<std::string_view>;
 
 constexpr std::int32_t kUntouched = -77;
 
@@ -98,4 +103,38 @@ TEST(Trim, takes_blanks_tabs_and_line_ends_from_both_sides) {
     EXPECT_EQ(Trim("a"), "a");
     EXPECT_EQ(Trim("  "), "");
     EXPECT_EQ(Trim(""), "");
+}
+
+TEST(Split, gives_the_parts_between_separators) {
+    EXPECT_EQ(Split("a,bc,d", ','), (Parts{"a", "bc", "d"}));
+    EXPECT_EQ(Split("selectchanconfig 4", ' '), (Parts{"selectchanconfig", "4"}));
+    EXPECT_EQ(Split(std::string_view("a\0b", 3), '\0'), (Parts{"a", "b"}));
+}
+
+TEST(Split, gives_a_text_without_a_separator_as_one_part) {
+    EXPECT_EQ(Split("abc", ','), Parts{"abc"});
+    EXPECT_EQ(Split("", ','), Parts{""});
+}
+
+TEST(Split, gives_empty_parts_too) {
+    EXPECT_EQ(Split(",", ','), (Parts{"", ""}));
+    EXPECT_EQ(Split(",a,,b,", ','), (Parts{"", "a", "", "b", ""}));
+    EXPECT_EQ(Split("a  b", ' '), (Parts{"a", "", "b"}));
+}
+
+TEST(Split, changes_nothing_in_the_parts) {
+    EXPECT_EQ(Split(" a , b\r\n", ','), (Parts{" a ", " b\r\n"}));
+}
+
+TEST(Split, leaves_the_rest_to_the_last_part_when_there_would_be_too_many) {
+    EXPECT_EQ(Split("a,b,c,d", ',', 3), (Parts{"a", "b", "c,d"}));
+    EXPECT_EQ(Split("a,b,c", ',', 3), (Parts{"a", "b", "c"}));
+    EXPECT_EQ(Split("a,b", ',', 3), (Parts{"a", "b"}));
+    EXPECT_EQ(Split("a,b,", ',', 2), (Parts{"a", "b,"}));
+    EXPECT_EQ(Split("a,b", ',', 1), Parts{"a,b"});
+}
+
+TEST(Split, gives_views_of_the_text_itself) {
+    const std::string text = "ab,cd";
+    EXPECT_EQ(Split(text, ',').at(1).data(), text.data() + 3);
 }

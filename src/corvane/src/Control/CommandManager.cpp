@@ -276,3 +276,20 @@ void CCommandManager::AddReferenceOutputLogs(const std::string& port, const std:
         add(kRTCM3Logs);
     }
 }
+
+bool CCommandManager::IsSBASWanted() const {
+    return m_constellation != nullptr && m_constellation->IsSBASWanted();
+}
+
+bool CCommandManager::IsGlonassWanted() const {
+    return m_constellation != nullptr && m_constellation->IsGlonassWanted();
+}
+
+std::int32_t CCommandManager::CurrentChannelConfiguration() const {
+    return m_constellation == nullptr ? 0 : m_constellation->CurrentConfiguration();
+}
+
+CConstellationManager::Configurations CCommandManager::ChannelConfigurations() const {
+    return m_constellation == nullptr ? CConstellationManager::Configurations()
+                                      : m_constellation->AvailableConfigurations();
+}

@@ -3,6 +3,7 @@
 
 #include "Control/ReceiverSettings.h"
 #include "LogObserver/LogObserver.h"
+#include "Logs/NovatelOEMV/NovatelCHANCONFIGLIST.h"
 #include "platform/Config.h"
 
 #include <cstddef>
@@ -22,6 +23,9 @@ public:
     /// How many lines a configuration file may have, and bytes.
     static constexpr std::size_t kMaxFileLines = 100'000;
     static constexpr std::int64_t kMaxFileSize = std::int64_t{16} * 1024 * 1024;
+
+    /// How many commands may wait, or make the configuration, at the wish of somebody else.
+    static constexpr std::size_t kMaxCommands = 10'000;
 
     explicit CCommandManager(CConfig& config) : m_config(config) {}
 
@@ -56,6 +60,13 @@ public:
     /// Asks for channel configurations, logs and settings, with a pause (microseconds) after each.
     void RequestReceiverInformation(std::uint32_t pause);
     std::size_t PendingCount() const { return m_pending.size(); }
+    /// Whether so many more commands may be queued, or sent at once.
+    bool HasRoomToQueue(std::size_t count) const {
+        return m_pending.size() + count <= kMaxCommands;
+    }
+    bool HasRoomToSend(std::size_t count) const {
+        return m_configuration.size() + count <= kMaxCommands;
+    }
 
     /// In force with the next rebuild.
     void SetGlonassCorrections(bool isOn);
@@ -91,6 +102,11 @@ public:
     std::int32_t SBASPrn() const { return m_settings.sbasPrn; }
     const std::string& ReferenceFormat() const { return m_settings.referenceFormat; }
     const SReferencePosition& ReferencePosition() const { return m_settings.referencePosition; }
+    /// What the constellation manager says; false, 0 and nothing without one.
+    bool IsSBASWanted() const;
+    bool IsGlonassWanted() const;
+    std::int32_t CurrentChannelConfiguration() const;
+    std::vector<Novatel::CNovatelCHANCONFIGLIST::SChannelConfigSet> ChannelConfigurations() const;
     bool GlonassCorrections() const { return m_settings.glonassCorrections; }
 
 private:

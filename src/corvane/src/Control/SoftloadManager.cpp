@@ -5,6 +5,8 @@
 #include "Logs/NovatelOEMV/NovatelSoftLoadStatusRecord.h"
 #include "platform/Text.h"
 
+#include <utility>
+
 using Novatel::CNovatelSoftLoadStatusRecord;
 
 namespace {
@@ -86,11 +88,13 @@ bool SoftloadManager::SendCommand(const std::string& text) {
 bool SoftloadManager::StartUpgrade(const std::string& path) {
     m_file.Close();
     m_logger.SetEssentialStatus("firmware_file_used", "%s", path.c_str());
-    if (!m_file.Open(path)) {
+    CLineFile file;
+    if (!file.Open(path)) {
         m_logger.Error("SoftloadManager::StartUpgrade: failed to open file");
-        m_logger.Error("SoftloadManager: %s", m_file.LastError().c_str());
+        m_logger.Error("SoftloadManager: %s", file.LastError().c_str());
         return false;
     }
+    m_file = std::move(file);
     m_isCommitSent = false;
     m_isResetPending = false;
     PutIntoLoadingMode();

@@ -31,19 +31,19 @@ bool CQuentaMPI::GetPortDump(BListC& ports) {
 }
 
 bool CQuentaMPI::GetPortMapping(std::int32_t port, std::string& device) {
-    return Ask("GetPortMapping", BListC().Append(port), device);
+    return Ask("GetPortMapping", BListC().Add(port), device);
 }
 
 bool CQuentaMPI::SetPortMapping(std::int32_t port, const std::string& device) {
-    return Order("SetPortMapping", BListC().Append(port).Append(device));
+    return Order("SetPortMapping", BListC().Add(port).Add(device));
 }
 
 bool CQuentaMPI::GetPortConfig(std::int32_t port, std::int32_t& baud) {
-    return Ask("GetPortConfig", BListC().Append(port), baud);
+    return Ask("GetPortConfig", BListC().Add(port), baud);
 }
 
 bool CQuentaMPI::SetPortConfig(std::int32_t port, std::int32_t baud) {
-    return Order("SetPortConfig", BListC().Append(port).Append(baud));
+    return Order("SetPortConfig", BListC().Add(port).Add(baud));
 }
 
 template <typename T>

@@ -86,6 +86,7 @@ bool QuentaPort::Drain() {
     const Core::MonotonicTime deadline = Core::MonotonicTime::Now() + kDrainLimit;
     while (IsConnected()) {
         ContinueWriting();
+        NoticeEnd();
         if (!HasUntakenBytes()) {
             return IsConnected();
         }
@@ -95,6 +96,14 @@ bool QuentaPort::Drain() {
         Core::Sleep(kDrainPoll);
     }
     return false;
+}
+
+/// Bytes that nobody will take any more do not count as taken.
+void QuentaPort::NoticeEnd() {
+    pollfd watched = {m_descriptor, 0, 0};
+    if (IsConnected() && m_portNumber != 0 && poll(&watched, 1, 0) > 0) {
+        Lose("closed by the multiplexer");
+    }
 }
 
 bool QuentaPort::HasUntakenBytes() const {

@@ -58,6 +58,7 @@ private:
     void Lose(const std::string& reason);
     bool Took(Core::IO::WriteTail::EResult result);
     bool HasUntakenBytes() const;
+    void NoticeEnd();
 
     std::int32_t m_portNumber;
     std::string m_socketPrefix;

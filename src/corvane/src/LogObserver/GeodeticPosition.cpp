@@ -22,3 +22,12 @@ SGeodeticPosition SGeodeticPosition::FromECEF(double x, double y, double z) {
     }
     return position;
 }
+
+void SGeodeticPosition::ToECEF(double& x, double& y, double& z) const {
+    using WGS84 = Core::Maths::Math<double>;
+    const double sine = std::sin(latitude);
+    const double n = WGS84::WGS_A / std::sqrt(1.0 - WGS84::WGS_E2 * sine * sine);
+    x = (n + height) * std::cos(latitude) * std::cos(longitude);
+    y = (n + height) * std::cos(latitude) * std::sin(longitude);
+    z = (n * (1.0 - WGS84::WGS_E2) + height) * sine;
+}

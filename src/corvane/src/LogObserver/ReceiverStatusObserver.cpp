@@ -15,6 +15,7 @@
 #include "platform/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 
@@ -93,9 +94,11 @@ void CReceiverStatusObserver::NewHeader(const CGPSRecord& record) {
 void CReceiverStatusObserver::NewHeader(const SNovatelHeader& header) {
     if (header.m_receiverStatus != m_previousStatus) {
         m_previousStatus = header.m_receiverStatus;
-        m_statusLogger.SetEssentialStatus("ReceiverStatus", "0x%08X: %s",
-                                          static_cast<unsigned>(m_previousStatus),
-                                          ReceiverStatusText(m_previousStatus).c_str());
+        std::array<char, 16> word;
+        std::snprintf(word.data(), word.size(),
+                      "0x%08X: ", static_cast<unsigned>(m_previousStatus));
+        m_statusText = word.data() + ReceiverStatusText(m_previousStatus);
+        m_statusLogger.SetEssentialStatus("ReceiverStatus", "%s", m_statusText.c_str());
     }
     if (header.m_idleTime != m_previousIdleTime) {
         m_previousIdleTime = header.m_idleTime;
@@ -180,6 +183,11 @@ void CReceiverStatusObserver::PublishTracked(const STrackedSatellites& tracked) 
     m_statusLogger.SetEssentialStatus("sats_tracked", "%d,%d,%d", tracked.distinctPRNs,
                                       tracked.gpsL1 + tracked.glonassL1,
                                       tracked.gpsL2 + tracked.glonassL2);
+    const bool hasChanged = tracked.distinctPRNs != m_tracked.distinctPRNs;
+    m_tracked = tracked;
+    if (hasChanged && m_onTrackedChanged) {
+        m_onTrackedChanged(tracked.distinctPRNs);
+    }
     if (tracked.distinctPRNs > 0) {
         m_diagnostics.Clear(kNoSatellitesDiagnostic);
     } else {

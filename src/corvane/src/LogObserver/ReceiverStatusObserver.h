@@ -10,6 +10,7 @@
 #include "platform/Time.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -45,6 +46,16 @@ public:
     CReceiverStatusObserver();
 
     void NewRecord(CGPSRecord* record) override;
+
+    const SCard& Card() const { return m_card; }
+    /// What the last TRACKSTAT said.
+    const STrackedSatellites& Tracked() const { return m_tracked; }
+    /// "0x00000000: ...", as published; empty before the first.
+    const std::string& StatusText() const { return m_statusText; }
+    /// Called with the number of different PRNs whenever it changes.
+    void OnTrackedChanged(std::function<void(std::int32_t)> call) {
+        m_onTrackedChanged = std::move(call);
+    }
 
     std::int32_t FirmwareVersion() const { return m_card.softwareVersionNumber; }
     /// GPS seconds of week of the last TIME; 0 before the first.
@@ -88,4 +99,7 @@ private:
     SCard m_card;
     double m_lastTimeSeconds = 0.0;
     std::vector<CPositionAPI::sSSatinfo> m_skyView;
+    STrackedSatellites m_tracked;
+    std::string m_statusText;
+    std::function<void(std::int32_t)> m_onTrackedChanged;
 };

@@ -52,10 +52,16 @@ private:
 /// Values in order: the arguments of a call, or what it answers.
 class BListC {
 public:
-    /// Returns the list itself, so that short lists are written in one expression.
-    BListC& Append(BAtomC value);
+    /// Each returns the list itself, so that short lists are written in one expression.
+    BListC& Add(BAtomC value);
+    BListC& AddInt(std::int32_t value) { return Add(value); }
+    BListC& AddString(std::string value) { return Add(std::move(value)); }
 
     std::size_t Size() const { return m_values.size(); }
+    /// The value at a position from 0 as a kind; 0, 0.0 and the empty text where it is none.
+    std::int32_t GetInt(std::size_t position) const;
+    double GetDouble(std::size_t position) const;
+    std::string GetString(std::size_t position) const;
     /// The value at a position from 0; past the end a value that is nothing, as a missing argument.
     const BAtomC& At(std::size_t position) const;
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 /// Reads and writes the INI file named by the environment's CORVANE_CONFIG, else
 /// /etc/corvane/corvane.conf. A missing file is an empty database. Reads see what other programs
@@ -32,6 +33,8 @@ public:
     double GetDouble(const std::string& section, const std::string& key, double defaultValue);
     bool GetBoolean(const std::string& section, const std::string& key, bool defaultValue);
 
+    /// The names of all sections, in the file's order.
+    std::vector<std::string> GetSections();
     /// The values of all keys of a section; nothing when there is no such section.
     std::optional<std::map<std::string, std::string>> GetSection(const std::string& section);
 

@@ -1,64 +1,25 @@
-// Remote procedure calls over TCP: JSON-RPC 2.0, one JSON object a line.
+// Calls of remote procedures over TCP: JSON-RPC 2.0, one JSON object a line.
 #pragma once
 
 #include "platform/BAtom.h"
+#include "platform/MPISocketConnection.h"
 #include "platform/Time.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
-
-/// One connection: whole lines in, whole lines out, never waiting for the peer but in Wait().
-class MPISocketConnectionC {
-public:
-    /// A line, without its end, is at most 1 MiB long.
-    static constexpr std::size_t kMaxLine = std::size_t{1024} * 1024;
-
-    enum class ELine {
-        whole,   ///< taken
-        partial, ///< its end has not come yet
-        tooLong, ///< the connection is of no further use
-    };
-
-    /// Takes over a non-blocking stream socket, which it closes in the end.
-    explicit MPISocketConnectionC(int descriptor) : m_descriptor(descriptor) {}
-    ~MPISocketConnectionC();
-    MPISocketConnectionC(const MPISocketConnectionC&) = delete;
-    MPISocketConnectionC& operator=(const MPISocketConnectionC&) = delete;
-
-    int Descriptor() const { return m_descriptor; }
-
-    /// Reads some of what is there. False when the peer has closed (errno 0) or on a failure.
-    bool Receive();
-    /// Takes the next line that has come whole, without its end.
-    ELine TakeLine(std::string& line);
-
-    /// Adds a line, given without its end, to what is to be sent.
-    void Queue(const std::string& line);
-    /// Sends as much as the peer takes now. False on a failure, told by errno.
-    bool Send();
-    bool HasWaitingBytes() const { return m_sent < m_output.size(); }
-
-    /// Waits for the `events` of poll(), or for the connection to fail. False when the deadline
-    /// has passed instead.
-    bool Wait(short events, Core::MonotonicTime deadline) const;
-
-private:
-    int m_descriptor;
-    std::string m_input;
-    std::size_t m_taken = 0;    ///< bytes of the input that were given out as lines
-    std::size_t m_searched = 0; ///< bytes of the input before which no untaken line ends
-    std::string m_output;
-    std::size_t m_sent = 0; ///< bytes of the output that have left
-};
 
 /// A client that makes one call at a time and waits for its answer, at most for the time-out. After
 /// an answer that never came or made no sense it is no longer connected.
 class MPISocketClientC {
 public:
-    /// Of connecting, and of a call from its first byte to the last of its answer.
+    /// Unless told otherwise, of connecting, and of a call from its first byte to the last of its
+    /// answer.
     static constexpr Core::Time kTimeout = Core::Time::FromMilliseconds(1000);
+
+    void SetTimeout(Core::Time timeout) { m_timeout = timeout; }
 
     /// `host` is an IPv4 address in numbers, or "localhost", which is 127.0.0.1: no name service is
     /// asked, since that could wait. False, and the reason in `error`, otherwise.
@@ -70,6 +31,17 @@ public:
     /// that the server answered is told with its code and message.
     bool Call(const std::string& method, const BListC& params, BAtomC& result, std::string& error);
 
+    /// A call that the server made of itself, which wants no answer.
+    struct SCallback {
+        std::string method;
+        BAtomC params;
+    };
+
+    /// The next callback, waited for at most the time-out; none, with an empty `error`, when it did
+    /// not come in time. Callbacks that came with an answer are kept, the last kMaxCallbacks.
+    std::optional<SCallback> NextCallback(Core::Time timeout, std::string& error);
+    static constexpr std::size_t kMaxCallbacks = 1000;
+
 private:
     enum class EOutcome {
         other,  ///< not the answer: wait on
@@ -80,8 +52,12 @@ private:
 
     EOutcome Exchange(BAtomC& result, std::string& error);
     EOutcome TakeAnswer(BAtomC& result, std::string& error);
-    EOutcome Judge(const std::string& line, BAtomC& result, std::string& error) const;
+    EOutcome Judge(const std::string& line, BAtomC& result, std::string& error);
+    bool KeepCallback(const BDictionaryC& members);
+    bool Transfer(Core::MonotonicTime deadline, std::string& error);
 
     std::optional<MPISocketConnectionC> m_connection;
+    Core::Time m_timeout = kTimeout;
     std::int32_t m_lastId = 0;
+    std::deque<SCallback> m_callbacks;
 };

@@ -11,10 +11,14 @@ public:
 
     /// The descriptor to watch, -1 while there is none.
     virtual int Descriptor() const = 0;
+    /// Whether the descriptor belongs in the read set now.
+    virtual bool WantsToRead() const { return true; }
     /// Whether the descriptor belongs in the write set now.
     virtual bool WantsToWrite() const = 0;
     /// Called once a pass, ready or not, so that timers run.
     virtual void Service(bool readable, bool writable) = 0;
+    /// Called once a pass when every member has been served: work that they share out.
+    virtual void AfterService() {}
     /// Called at the end of each pass: what the pass produced may leave now.
     virtual void EndPass() {}
 };

@@ -1,0 +1,75 @@
+// A procedure that a server of remote procedure calls offers: its name, arguments and operation.
+#pragma once
+
+#include "platform/BAtom.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// Registered with an MPISocketServerC, which checks the arguments before it calls.
+class MPICallbackBase {
+public:
+    enum class EType { integer, number, text };
+    /// What a call takes besides its time: of each kind the server makes one a pass.
+    enum class ECost { light, settingsWrite, pause };
+
+    struct SArgument {
+        const char* name;
+        EType type;
+        /// Looked at only in calls with just as many arguments as there are; any other call is the
+        /// operation's to judge.
+        bool isOptional = false;
+    };
+
+    MPICallbackBase(std::string name, std::vector<SArgument> arguments, ECost cost)
+        : m_name(std::move(name)), m_arguments(std::move(arguments)), m_cost(cost) {}
+    virtual ~MPICallbackBase() = default;
+
+    const std::string& Name() const { return m_name; }
+    ECost Cost() const { return m_cost; }
+
+    /// What is wrong with the arguments of a call; empty when they are those that it needs. More
+    /// arguments than it needs are no fault.
+    std::string WhyWrong(const BListC& arguments) const;
+
+    /// Why it cannot be called now; empty when it can.
+    virtual std::string WhyNotNow() const { return {}; }
+
+    /// The reply; none for a procedure that returns nothing.
+    virtual std::unique_ptr<BListC> Call(const BListC& arguments) = 0;
+
+private:
+    std::string m_name;
+    std::vector<SArgument> m_arguments;
+    ECost m_cost;
+};
+
+/// A procedure that is an operation of an object, which outlives it.
+template <class T>
+class MPICallback : public MPICallbackBase {
+public:
+    using Operation = std::unique_ptr<BListC> (T::*)(const BListC&);
+    using Check = std::string (T::*)() const;
+
+    /// `whyNotNow` may be null.
+    MPICallback(std::string name, std::vector<SArgument> arguments, ECost cost, T& object,
+                Operation operation, Check whyNotNow = nullptr)
+        : MPICallbackBase(std::move(name), std::move(arguments), cost),
+          m_object(object),
+          m_operation(operation),
+          m_whyNotNow(whyNotNow) {}
+
+    std::string WhyNotNow() const override {
+        return m_whyNotNow == nullptr ? std::string() : (m_object.*m_whyNotNow)();
+    }
+    std::unique_ptr<BListC> Call(const BListC& arguments) override {
+        return (m_object.*m_operation)(arguments);
+    }
+
+private:
+    T& m_object;
+    Operation m_operation;
+    Check m_whyNotNow;
+};
