@@ -5,11 +5,14 @@ usage: make_corpus.py FOLDER
 
 Writes FOLDER/fuzz_framers and FOLDER/fuzz_records: sentences made here, one of each log that is
 decoded, and real ones cut from the captures where those are there (beside the checkout, or in the
-folder that the environment variable CORVANE_CAPTURES names).
+folder that the environment variable CORVANE_CAPTURES names); and FOLDER/fuzz_rpc: what clients of
+the RPC service send, a call of each method among it.
 """
 
+import json
 import os
 import pathlib
+import re
 import struct
 import sys
 import zlib
@@ -140,17 +143,45 @@ def streams(sentences):
         yield name + "_bytes", stream, BYTE_BY_BYTE, DRAINS | REPAIRS
 
 
+def rpc_methods():
+    """The names in the service's own table, so that none is forgotten."""
+    source = pathlib.Path(__file__).resolve().parents[1] / "src/corvane/src/RPC"
+    table = (source / "NovatelMPIServer.cpp").read_text(encoding="utf-8")
+    return re.findall(r'\{"(DummyFunction|RequestNMEA|novatel_\w+)"', table)
+
+
+def rpc_lines():
+    """What clients send: a call of each method, and what is no call."""
+    def request(method, params, **members):
+        return json.dumps({"jsonrpc": "2.0", "method": method, "params": params, **members})
+    arguments = [[], [1], ["RTCM3"], [1.5, -2e6, 3.0], ["GPGGA", 200], ["/dev/null"], {"a": 1}]
+    for method in rpc_methods():
+        for i, params in enumerate(arguments):
+            yield f"{method}_{i}", request(method, params, id=i) + "\n"
+    batch = [json.loads(request(method, [1], id=method)) for method in rpc_methods()]
+    yield "batch", json.dumps(batch) + "\n"
+    yield "notifications", "".join(request(method, []) + "\n" for method in rpc_methods())
+    yield "mixed_batch", '[1, {}, [], "x\\"]", {"a":"[{"}, null]\n[]\n[[[]]]\n'
+    yield "deep", "[" * 40 + "]" * 40 + "\n" + '{"a":' * 40 + "1" + "}" * 40 + "\n"
+    yield "numbers", '{"jsonrpc":"2.0","id":1e308,"method":"x"}\n{"id":-0.0}\n{"id":9e999}\n'
+    yield "http", "GET / HTTP/1.1\r\nHost: x\r\n\r\n"
+    yield "not_json", "hello\n\n{\n]\n\\u0000\n"
+    yield "long", '{"jsonrpc":"2.0","id":"' + "x" * 4000 + '","method":"DummyFunction"}\n'
+
+
 def main():
     if len(sys.argv) != 2:
         sys.exit(__doc__)
     folder = pathlib.Path(sys.argv[1])
     sentences = list(made_sentences()) + list(real_sentences())
-    for name in ("fuzz_framers", "fuzz_records"):
+    for name in ("fuzz_framers", "fuzz_records", "fuzz_rpc"):
         (folder / name).mkdir(parents=True, exist_ok=True)
     for name, sentence in sentences:
         (folder / "fuzz_records" / name).write_bytes(sentence)
     for name, stream, lengths, flags in streams(sentences):
         (folder / "fuzz_framers" / name).write_bytes(stream + lengths + bytes([flags]))
+    for name, lines in rpc_lines():
+        (folder / "fuzz_rpc" / name).write_bytes(lines.encode())
     print(f"{folder}: {len(sentences)} sentences")
 
 

@@ -79,12 +79,11 @@ class Telling(Scenario):
         daemon = self.corvane(environment={"CORVANE_CONFIG": settings})
         collector.wait_for("logger.status", name=MAIN, key="started")
         daemon.wait_for_passes(3)
-        self.assertEqual(collector.messages("logger.event"), [])
+        self.assertEqual(collector.messages("logger.event", name=NAMES[0]), [])
         daemon.send_signal(signal.SIGSTOP)
         time.sleep(0.7)
         daemon.send_signal(signal.SIGCONT)
-        warning = collector.wait_for("logger.event", name="NovatelPositionManager",
-                                     level="warning")
+        warning = collector.wait_for("logger.event", name=NAMES[0], level="warning")
         seconds = [float(number) for number in re.findall(r"\d+\.\d+", warning["text"])]
         self.assertTrue(any(0.6 < each < 1.5 for each in seconds), warning["text"])
 

@@ -72,7 +72,6 @@ class SerialDevice(Scenario):
         collector = self.collector()
         line = self.serial_line()
         line.unplug()
-        line.device.unlink()
         daemon = self.corvane("-s", str(line.device))
         daemon.wait_for_error(str(line.device))
         event = collector.wait_for("logger.event", name=MAIN, level="error")

@@ -45,11 +45,6 @@ bool ParseBoolean(std::string_view text, bool& value) {
     return false;
 }
 
-std::string SystemPath() {
-    const char* const path = std::getenv("CORVANE_CONFIG");
-    return path == nullptr || *path == '\0' ? kDefaultPath : path;
-}
-
 /// The process-wide object and how many handles on it are out.
 struct SSystemConfig {
     std::mutex mutex;
@@ -85,6 +80,11 @@ CConfig::CConfig(std::string path) : m_impl(std::make_unique<Impl>(std::move(pat
 }
 
 CConfig::~CConfig() = default;
+
+std::string CConfig::SystemPath() {
+    const char* const path = std::getenv("CORVANE_CONFIG");
+    return path == nullptr || *path == '\0' ? kDefaultPath : path;
+}
 
 CConfig* CConfig::GetSystemConfig() {
     SSystemConfig& system = SystemConfig();

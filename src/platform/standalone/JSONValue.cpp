@@ -75,6 +75,9 @@ private:
     }
 
     bool Place(BAtomC value) {
+        if (++m_count > JSONValue::kMaxValues) {
+            return Fail(EFault::tooManyValues);
+        }
         if (m_open.empty()) {
             m_value = std::move(value);
         } else if (SOpen& open = m_open.back(); open.name) {

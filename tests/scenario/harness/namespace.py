@@ -1,4 +1,4 @@
-"""A machine of its own for each test module: network, mounts, processes and /tmp.
+"""A machine of its own for each test module: network, mounts, processes, terminals and /tmp.
 
 The ports and socket paths of the system are fixed, so two modules can only run side by side, and
 beside a daemon that is really at work on this machine, when neither sees the other.
@@ -70,6 +70,13 @@ def _empty_tmp(kept: list[Path]) -> None:
     tempfile.tempdir = "/tmp"
 
 
+def _own_terminals() -> None:
+    """Pseudo-terminals of its own: a number that one module lets go, another one must not get
+    while the first one's daemon still waits for its device."""
+    _mount("devpts", Path("/dev/pts"), "devpts", 0, "newinstance,ptmxmode=0666,mode=0620")
+    _mount("/dev/pts/ptmx", Path("/dev/ptmx"), None, _MS_BIND, None)
+
+
 def _raise_loopback() -> None:
     with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as control:
         name = b"lo".ljust(16, b"\0")
@@ -90,6 +97,7 @@ def _keep_socket_buffers_small() -> None:
 def settle_in() -> None:
     """To be called first inside new namespaces."""
     _empty_tmp([places.CHECKOUT, places.binaries(), places.CAPTURES])
+    _own_terminals()
     _raise_loopback()
     _keep_socket_buffers_small()
     os.chdir(places.CHECKOUT)

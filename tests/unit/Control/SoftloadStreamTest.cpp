@@ -50,7 +50,8 @@ protected:
         EXPECT_EQ(Progress().substr(Progress().size() - 5), "badly");
         Report("READY_FOR_DATA");
         EXPECT_EQ(DoneByServiceLater(), Lines{});
-        EXPECT_EQ(DoneByServiceLater(), Lines{});
+        EXPECT_EQ(ServiceLater(), 3);
+        EXPECT_EQ(m_source.done, Lines{});
     }
 };
 

@@ -41,6 +41,17 @@ protected:
         Report(status);
         Forget();
     }
+    /// An upgrade that waits for the receiver.
+    void StartWaiting() {
+        ASSERT_TRUE(Start(m_folder.Write("firmware", "S0\nS1\n")));
+        Forget();
+    }
+    /// What the receiver's status makes of a fresh upgrade.
+    void StartAgainWith(const std::string& status) {
+        ASSERT_TRUE(Start(m_folder.Write("firmware", "S0\nS1\n")));
+        Forget();
+        Report(status);
+    }
     void Forget() {
         m_source.done.clear();
         m_published.Forget();

@@ -9,6 +9,7 @@
 #include "platform/DebugPrint.h"
 
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <optional>
 
@@ -20,6 +21,8 @@ using ECost = MPICallbackBase::ECost;
 /// Microseconds between the requests for what the receiver knows of itself.
 constexpr std::uint32_t kInformationPause = 50'000;
 constexpr std::size_t kInformationRequests = 3;
+/// Far beyond every orbit, and far from where arithmetic overflows; metres.
+constexpr double kMaxCoordinate = 1e9;
 /// NMEA sentences are named by talker and type.
 constexpr std::size_t kSentenceNameLength = 5;
 /// The modes that exist are below.
@@ -53,6 +56,7 @@ struct CNovatelMPIServer::SMethod {
     MPICallback<CNovatelMPIServer>::Operation operation;
     ECost cost = ECost::light;
     MPICallback<CNovatelMPIServer>::Check whyNotNow = nullptr;
+    MPICallback<CNovatelMPIServer>::ArgumentCheck whyWrong = nullptr;
 };
 
 // clang-format off
@@ -70,7 +74,8 @@ const CNovatelMPIServer::SMethod CNovatelMPIServer::kMethods[] = {
      &CNovatelMPIServer::SetReferenceFormat, ECost::settingsWrite},
     {"novatel_GetReferenceFormat", {}, &CNovatelMPIServer::GetReferenceFormat},
     {"novatel_SetReferencePosition", {{"X", EType::number}, {"Y", EType::number}, {"Z", EType::number}},
-     &CNovatelMPIServer::SetReferencePosition, ECost::settingsWrite},
+     &CNovatelMPIServer::SetReferencePosition, ECost::settingsWrite, nullptr,
+     &CNovatelMPIServer::WhyNoPosition},
     {"novatel_GetReferencePosition", {}, &CNovatelMPIServer::GetReferencePosition},
     {"novatel_UnsetReferencePosition", {},
      &CNovatelMPIServer::UnsetReferencePosition, ECost::settingsWrite},
@@ -112,7 +117,8 @@ CNovatelMPIServer::CNovatelMPIServer(SocketCollectionC& sockets, CCommandManager
       m_receiverStatus(receiverStatus) {
     for (const SMethod& method : kMethods) {
         Register(std::make_unique<MPICallback<CNovatelMPIServer>>(
-            method.name, method.arguments, method.cost, *this, method.operation, method.whyNotNow));
+            method.name, method.arguments, method.cost, *this, method.operation, method.whyNotNow,
+            method.whyWrong));
     }
     if (m_receiverStatus != nullptr) {
         m_receiverStatus->OnTrackedChanged(
@@ -150,6 +156,15 @@ std::string CNovatelMPIServer::WhyNoRoomToReplay() const {
         return WhyNoRoomToSend();
     }
     return "10000 commands would wait to be sent to the receiver";
+}
+
+std::string CNovatelMPIServer::WhyNoPosition(const BListC& arguments) const {
+    for (std::size_t i = 0; i < 3; ++i) {
+        if (!(std::fabs(arguments.GetDouble(i)) <= kMaxCoordinate)) {
+            return "the coordinates must be within 1e9 m";
+        }
+    }
+    return {};
 }
 
 CNovatelMPIServer::TReply CNovatelMPIServer::DummyFunction(const BListC&) {

@@ -61,6 +61,7 @@ private:
     TReply GetFirmwareUpgradeStatus(const BListC& arguments);
     TReply StartFirmwareUpgrade(const BListC& arguments);
 
+    std::string WhyNoPosition(const BListC& arguments) const;
     std::string WhyNoRoomToQueue() const;
     std::string WhyNoRoomToSend() const;
     std::string WhyNoRoomToReplay() const;

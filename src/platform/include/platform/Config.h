@@ -16,6 +16,8 @@ public:
     /// The database of this machine. The handle is counted: pair every call with Release().
     static CConfig* GetSystemConfig();
     void Release();
+    /// Where this machine's database is.
+    static std::string SystemPath();
 
     /// Opens the file at `path`, for programs and tests that name one themselves.
     explicit CConfig(std::string path);

@@ -32,7 +32,7 @@ public:
 
     /// What is wrong with the arguments of a call; empty when they are those that it needs. More
     /// arguments than it needs are no fault.
-    std::string WhyWrong(const BListC& arguments) const;
+    virtual std::string WhyWrong(const BListC& arguments) const;
 
     /// Why it cannot be called now; empty when it can.
     virtual std::string WhyNotNow() const { return {}; }
@@ -52,14 +52,21 @@ class MPICallback : public MPICallbackBase {
 public:
     using Operation = std::unique_ptr<BListC> (T::*)(const BListC&);
     using Check = std::string (T::*)() const;
+    using ArgumentCheck = std::string (T::*)(const BListC&) const;
 
-    /// `whyNotNow` may be null.
+    /// Both checks may be null; `whyWrong` is asked when the arguments are of the right types.
     MPICallback(std::string name, std::vector<SArgument> arguments, ECost cost, T& object,
-                Operation operation, Check whyNotNow = nullptr)
+                Operation operation, Check whyNotNow = nullptr, ArgumentCheck whyWrong = nullptr)
         : MPICallbackBase(std::move(name), std::move(arguments), cost),
           m_object(object),
           m_operation(operation),
-          m_whyNotNow(whyNotNow) {}
+          m_whyNotNow(whyNotNow),
+          m_whyWrong(whyWrong) {}
+
+    std::string WhyWrong(const BListC& arguments) const override {
+        const std::string why = MPICallbackBase::WhyWrong(arguments);
+        return !why.empty() || m_whyWrong == nullptr ? why : (m_object.*m_whyWrong)(arguments);
+    }
 
     std::string WhyNotNow() const override {
         return m_whyNotNow == nullptr ? std::string() : (m_object.*m_whyNotNow)();
@@ -72,4 +79,5 @@ private:
     T& m_object;
     Operation m_operation;
     Check m_whyNotNow;
+    ArgumentCheck m_whyWrong;
 };
