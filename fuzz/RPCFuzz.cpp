@@ -63,7 +63,7 @@ std::string Serve(CServedClient& client, CNovatelMPIServer& server, const SPair&
         Require(steps < 4 * size + 100, "every pass takes the client further");
         client.Service(true, true);
         server.AfterService(); // as at the beginning of a pass
-        client.Step(server);
+        client.Step();
         client.Flush();
         Require(client.HeldBytes() < 8 * 1024 * 1024, "what a client holds is bounded");
         ReadInto(answers, pair.ends[1]);
@@ -95,7 +95,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     SoftloadManager upgrade(nullptr, Managers().logger);
     SocketCollectionC sockets;
     CNovatelMPIServer server(sockets, &commands, &upgrade, &Managers().receiverStatus);
-    CServedClient client(pair.ends[0]);
+    CServedClient client(pair.ends[0], server);
     Require(write(pair.ends[1], data, size) == static_cast<ssize_t>(size), "the input fits");
     shutdown(pair.ends[1], SHUT_WR);
     RequireAnswers(Serve(client, server, pair, size));

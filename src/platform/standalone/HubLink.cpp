@@ -54,6 +54,7 @@ int OpenConnection(int port) {
 CHubLink& CHubLink::Get() {
     // Never destroyed: objects that end later may still publish.
     static CHubLink* const link = new CHubLink(ServiceLink::kPort);
+    s_isInUse = true;
     return *link;
 }
 

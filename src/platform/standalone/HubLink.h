@@ -28,6 +28,8 @@ public:
 
     /// The link of this process, to the services' port. It lives as long as the process.
     static CHubLink& Get();
+    /// Whether this process has ever asked for it: one that publishes nothing connects to nobody.
+    static bool IsInUse() { return s_isInUse; }
 
     explicit CHubLink(int port) : m_port(port) {}
     ~CHubLink() override;
@@ -91,6 +93,8 @@ private:
     void PublishDropped();
     void WaitForRoom(const SLinkMessage& message);
     bool Poll(Core::Time limit);
+
+    static inline bool s_isInUse = false;
 
     int m_port;
     std::string m_program = "corvane";

@@ -20,7 +20,7 @@ public:
     BAtomC TakeValue() { return std::move(m_value); }
 
     bool null() override { return Place(BAtomC()); }
-    bool boolean(bool) override { return Place(BAtomC()); }
+    bool boolean(bool value) override { return Place(BAtomC::STruth{value}); }
     bool number_integer(number_integer_t value) override {
         if (value < std::numeric_limits<std::int32_t>::min()) {
             return Place(static_cast<double>(value));
@@ -178,6 +178,8 @@ void JSONValue::Append(std::string& out, const BAtomC& value) {
         AppendList(out, *list);
     } else if (const BDictionaryC* dictionary = value.AsDictionary()) {
         AppendDictionary(out, *dictionary);
+    } else if (const BAtomC::STruth* truth = value.AsTruth()) {
+        out += truth->value ? "true" : "false";
     } else if (const std::string* text = value.AsText()) {
         JSONText::AppendString(out, *text);
     } else if (const std::optional<double> number = value.AsDouble()) {

@@ -24,8 +24,7 @@ enum class EFault {
 /// The value of one JSON text; nothing, and why in `fault`, when there is none or it is beyond a
 /// limit. Of a repeated name the last value holds.
 ///
-/// A whole number beyond 32 bits becomes a double; `true` and `false`, which are no value here,
-/// become nothing: so neither reads as an integer.
+/// A whole number beyond 32 bits becomes a double, so that it does not read as an integer.
 std::optional<BAtomC> Read(std::string_view text, EFault* fault = nullptr);
 
 /// What is wrong with a JSON text, however many values it holds.

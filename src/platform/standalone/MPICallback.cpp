@@ -41,3 +41,8 @@ std::string MPICallbackBase::WhyWrong(const BListC& arguments) const {
     }
     return {};
 }
+
+BAtomC MPICallbackBase::Answer(const BListC& arguments) {
+    std::unique_ptr<BListC> reply = Call(arguments);
+    return reply == nullptr ? BAtomC() : BAtomC(std::move(*reply));
+}

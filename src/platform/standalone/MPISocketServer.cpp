@@ -131,7 +131,7 @@ bool MPISocketServerC::AcceptOne() {
     }
     const int on = 1;
     ::setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    m_clients.push_back(std::make_unique<CServedClient>(descriptor));
+    m_clients.push_back(std::make_unique<CServedClient>(descriptor, *this));
     m_sockets.Add(m_clients.back().get());
     return true;
 }
@@ -147,15 +147,14 @@ std::size_t MPISocketServerC::MaxClients() const {
 }
 
 void MPISocketServerC::AfterService() {
-    m_hasPaused = false;
-    m_hasWritten = false;
+    m_pauses.isSpent = false;
+    m_writes.isSpent = false;
     ShareOutWork();
     for (const auto& client : m_clients) {
         if (!client->HasEnded()) {
             client->Flush();
         }
     }
-    LimitMemory();
     RemoveEnded();
 }
 
@@ -166,7 +165,11 @@ void MPISocketServerC::ShareOutWork() {
     while (withoutWork < m_clients.size()) {
         m_nextClient = (m_nextClient + 1) % m_clients.size();
         CServedClient& client = *m_clients[m_nextClient];
-        const bool hasWorked = client.HasWork() && client.Step(*this);
+        const std::size_t heldBefore = client.HeldBytes();
+        const bool hasWorked = client.HasWork() && client.Step();
+        if (client.HeldBytes() > heldBefore) {
+            LimitMemory();
+        }
         withoutWork = hasWorked ? 0 : withoutWork + 1;
         if (hasWorked && (Core::MonotonicTime::Now() >= end)) {
             return;
@@ -174,20 +177,27 @@ void MPISocketServerC::ShareOutWork() {
     }
 }
 
-bool MPISocketServerC::HasSpent(MPICallbackBase::ECost cost) const {
-    switch (cost) {
-    case MPICallbackBase::ECost::settingsWrite:
-        return m_hasWritten;
-    case MPICallbackBase::ECost::pause:
-        return m_hasPaused;
-    default:
-        return false;
+/// Who had to wait comes first, or one client's many calls would keep another's single one waiting.
+bool MPISocketServerC::MayCall(MPICallbackBase::ECost cost, const MPISocketConnectionC& caller) {
+    if (cost == MPICallbackBase::ECost::light) {
+        return true;
     }
+    STurns& turns = cost == MPICallbackBase::ECost::pause ? m_pauses : m_writes;
+    auto& waiting = turns.waiting;
+    const bool isNext = waiting.empty() || waiting.front() == &caller;
+    if (isNext && !turns.isSpent) {
+        turns.isSpent = true;
+        return true;
+    }
+    if (std::find(waiting.begin(), waiting.end(), &caller) == waiting.end()) {
+        waiting.push_back(&caller);
+    }
+    return false;
 }
 
-void MPISocketServerC::Spend(MPICallbackBase::ECost cost) {
-    m_hasWritten = m_hasWritten || cost == MPICallbackBase::ECost::settingsWrite;
-    m_hasPaused = m_hasPaused || cost == MPICallbackBase::ECost::pause;
+void MPISocketServerC::ForgetTurns(const MPISocketConnectionC& caller) {
+    std::erase(m_writes.waiting, &caller);
+    std::erase(m_pauses.waiting, &caller);
 }
 
 bool MPISocketServerC::Answer(MPISocketConnectionC& caller, std::string_view text,
@@ -200,6 +210,7 @@ bool MPISocketServerC::Answer(MPISocketConnectionC& caller, std::string_view tex
     }
     const SRequest& request = std::get<SRequest>(parsed);
     const auto refuse = [&](int code, const std::string& why) {
+        ForgetTurns(caller);
         if (request.id) {
             answer = RPCMessage::Answer(*request.id, SError{code, why});
         }
@@ -219,15 +230,15 @@ bool MPISocketServerC::Answer(MPISocketConnectionC& caller, std::string_view tex
     if (const std::string why = callback.WhyNotNow(); !why.empty()) {
         return refuse(kInternalError, why);
     }
-    if (HasSpent(callback.Cost())) {
+    if (!MayCall(callback.Cost(), caller)) {
         return false;
     }
-    Spend(callback.Cost());
+    ForgetTurns(caller);
     m_caller = &caller;
-    const std::unique_ptr<BListC> result = callback.Call(request.params);
+    const BAtomC result = callback.Answer(request.params);
     m_caller = nullptr;
     if (request.id) {
-        answer = RPCMessage::Answer(*request.id, result.get());
+        answer = RPCMessage::Answer(*request.id, result);
     }
     return true;
 }
@@ -241,14 +252,16 @@ std::size_t MPISocketServerC::HeldBytes() const {
 }
 
 void MPISocketServerC::LimitMemory() {
+    if (HeldBytes() > kMaxHeld) {
+        Idle();
+    }
     while (HeldBytes() > kMaxHeld) {
+        const auto held = [](const auto& client) {
+            return client->HasEnded() ? 0 : client->HeldBytes();
+        };
         const auto largest =
-            std::max_element(m_clients.begin(), m_clients.end(), [](const auto& a, const auto& b) {
-                const auto held = [](const auto& client) {
-                    return client->HasEnded() ? 0 : client->HeldBytes();
-                };
-                return held(a) < held(b);
-            });
+            std::max_element(m_clients.begin(), m_clients.end(),
+                             [&](const auto& a, const auto& b) { return held(a) < held(b); });
         (*largest)->GiveUp();
     }
 }
@@ -257,6 +270,7 @@ void MPISocketServerC::RemoveEnded() {
     for (const auto& client : m_clients) {
         if (client->HasEnded()) {
             ConnectionClosed(client->Connection());
+            ForgetTurns(client->Connection());
             m_sockets.Remove(client.get());
         }
     }

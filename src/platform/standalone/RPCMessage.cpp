@@ -110,13 +110,9 @@ bool IsHTTPRequestLine(std::string_view line) {
            line.find(" HTTP/", end) != std::string_view::npos;
 }
 
-std::string Answer(const BAtomC& id, const BListC* result) {
+std::string Answer(const BAtomC& id, const BAtomC& result) {
     std::string text = Begin(id) + R"(,"result":)";
-    if (result == nullptr) {
-        text += "null";
-    } else {
-        JSONValue::Append(text, *result);
-    }
+    JSONValue::Append(text, result);
     return text + '}';
 }
 

@@ -42,8 +42,7 @@ bool IsBatch(std::string_view line);
 /// Whether it is the first line of an HTTP request (RFC 9112, section 3).
 bool IsHTTPRequestLine(std::string_view line);
 
-/// No result is written as null.
-std::string Answer(const BAtomC& id, const BListC* result);
+std::string Answer(const BAtomC& id, const BAtomC& result);
 std::string Answer(const BAtomC& id, const SError& error);
 
 /// Takes the elements of a batch that was checked, one after the other.

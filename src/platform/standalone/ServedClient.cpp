@@ -26,6 +26,7 @@ void CServedClient::Service(bool readable, bool writable) {
     } else if (m_state == EState::open && readable && !m_hasWork && !m_hasInputEnded) {
         if (m_connection.Receive()) {
             m_hasWork = true;
+            m_server.LimitMemory();
         } else if (errno == 0) {
             m_hasInputEnded = true;
             m_hasWork = true;
@@ -38,9 +39,9 @@ void CServedClient::Service(bool readable, bool writable) {
     }
 }
 
-bool CServedClient::Step(MPISocketServerC& server) {
+bool CServedClient::Step() {
     if (m_batch) {
-        return StepBatch(server);
+        return StepBatch();
     }
     if (!m_request && !TakeRequest()) {
         return false;
@@ -49,7 +50,7 @@ bool CServedClient::Step(MPISocketServerC& server) {
         return true;
     }
     std::string answer;
-    if (!server.Answer(m_connection, *m_request, answer)) {
+    if (!m_server.Answer(m_connection, *m_request, answer)) {
         return false;
     }
     m_request.reset();
@@ -94,7 +95,7 @@ void CServedClient::BeginBatch(std::string line) {
     m_isBatchAnswered = false;
 }
 
-bool CServedClient::StepBatch(MPISocketServerC& server) {
+bool CServedClient::StepBatch() {
     if (!m_element) {
         m_element = m_batch->Next();
     }
@@ -107,7 +108,7 @@ bool CServedClient::StepBatch(MPISocketServerC& server) {
         return true;
     }
     std::string answer;
-    if (!server.Answer(m_connection, *m_element, answer)) {
+    if (!m_server.Answer(m_connection, *m_element, answer)) {
         return false;
     }
     m_element.reset();

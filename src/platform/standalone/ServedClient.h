@@ -15,7 +15,8 @@ class MPISocketServerC;
 /// are answered when the server says so. It reads no further while whole requests wait.
 class CServedClient : public SocketC {
 public:
-    explicit CServedClient(int descriptor) : m_connection(descriptor) {}
+    CServedClient(int descriptor, MPISocketServerC& server)
+        : m_server(server), m_connection(descriptor) {}
 
     MPISocketConnectionC& Connection() { return m_connection; }
 
@@ -23,7 +24,7 @@ public:
     bool HasWork() const { return m_state == EState::open && m_hasWork; }
     /// Answers one request or one element of a batch. False when it did nothing: there is no whole
     /// request, or it must wait for a later pass.
-    bool Step(MPISocketServerC& server);
+    bool Step();
 
     /// Sends what the client takes now.
     void Flush();
@@ -46,12 +47,13 @@ private:
     };
 
     bool TakeRequest();
-    bool StepBatch(MPISocketServerC& server);
+    bool StepBatch();
     void BeginBatch(std::string line);
     void Dismiss(const RPCMessage::SError& error);
     void Drain();
     void EndIfDone();
 
+    MPISocketServerC& m_server;
     MPISocketConnectionC m_connection;
     EState m_state = EState::open;
     bool m_hasWork = false;               ///< a whole line may be there

@@ -1,9 +1,11 @@
 #include "MainLoop.h"
 
 #include "Port/PortHandlerTesting.h"
+#include "platform/MPIServerTesting.h"
 
 #include <array>
 #include <functional>
+#include <optional>
 
 #include <unistd.h>
 
@@ -43,9 +45,15 @@ class CCountingSocket : public SocketC {
 public:
     int Descriptor() const override { return -1; }
     bool WantsToWrite() const override { return false; }
-    void Service(bool, bool) override { ++services; }
+    void Service(bool, bool) override {
+        ++services;
+        if (onService) {
+            onService();
+        }
+    }
     void EndPass() override { ++endedPasses; }
 
+    std::function<void()> onService;
     int services = 0;
     int endedPasses = 0;
 };
@@ -65,6 +73,26 @@ protected:
         handler.SetObservers(&m_observers);
     }
 
+    /// Leaves the RPC server with more memory than it needs, which it gives back when it is idle.
+    void MakeServerHoldMemory() {
+        ASSERT_TRUE(m_rpcServer.StartServer("127.0.0.1", 0, 5, nullptr));
+        m_sockets.Add(&m_rpcServer);
+        m_client.emplace(m_rpcServer.Port());
+        m_client->SendLine(std::string(kMemory, ' '));
+        for (int i = 0; i < 1000 && m_client->LineCount() == 0; ++i) {
+            fd_set readSet;
+            fd_set writeSet;
+            FD_ZERO(&readSet);
+            FD_ZERO(&writeSet);
+            timeval timeout{0, 1000};
+            select(m_sockets.AddToSets(readSet, writeSet) + 1, &readSet, &writeSet, nullptr,
+                   &timeout);
+            m_sockets.Service(readSet, writeSet);
+            m_client->Transfer();
+        }
+        ASSERT_GE(m_rpcServer.HeldBytes(), kMemory);
+    }
+
     void Run() { CMainLoop(m_handlers, m_sockets, m_rpcServer, m_logger).Run(); }
 
     CFakeClock m_clock;
@@ -81,6 +109,8 @@ protected:
     SocketCollectionC m_sockets;
     MPISocketServerC m_rpcServer{m_sockets};
     CCountingSocket m_socket;
+    static constexpr std::size_t kMemory = 50'000;
+    std::optional<CTestClient> m_client;
     CRemoteLogger m_logger{"Loop"};
 };
 
@@ -164,4 +194,24 @@ TEST_F(MainLoop, does_not_check_for_idleness_when_unsupervised) {
     m_secondSource.onRead = [this] { m_clock.Advance(Core::Time::FromSeconds(1.0)); };
     Run();
     EXPECT_EQ(m_published.Count("Idle for"), 0);
+}
+
+TEST_F(MainLoop, tells_the_rpc_server_that_it_is_idle_when_nothing_was_ready) {
+    MakeServerHoldMemory();
+    const int descriptor = m_secondSource.descriptor;
+    m_firstSource.descriptor = -1;
+    m_secondSource.descriptor = -1;
+    m_socket.onService = [&] { m_secondSource.descriptor = descriptor; };
+    const int before = m_socket.services;
+    Run();
+    EXPECT_EQ(m_socket.services - before, 2) << "a pass with nothing ready, and the last one";
+    EXPECT_LT(m_rpcServer.HeldBytes(), kMemory / 10);
+    EXPECT_EQ(m_rpcServer.ClientCount(), 1U);
+}
+
+TEST_F(MainLoop, does_not_tell_the_rpc_server_that_it_is_idle_while_something_is_ready) {
+    MakeServerHoldMemory();
+    m_secondSource.readsUntilEnd = 3;
+    Run();
+    EXPECT_GE(m_rpcServer.HeldBytes(), kMemory);
 }

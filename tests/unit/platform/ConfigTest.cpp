@@ -81,6 +81,17 @@ TEST_F(Config, reads_a_whole_section_as_it_is_at_the_moment) {
     EXPECT_EQ(m_config.GetSection("a"), (Values{{"m", "3"}}));
 }
 
+TEST_F(Config, names_the_sections_that_there_are_at_the_moment) {
+    using Names = std::vector<std::string>;
+    EXPECT_EQ(m_config.GetSections(), Names{});
+    Write("[b]\n[a]\nk = 1\n");
+    EXPECT_EQ(m_config.GetSections(), (Names{"b", "a"}));
+    EXPECT_TRUE(m_config.SetInteger("c", "k", 1));
+    EXPECT_EQ(m_config.GetSections(), (Names{"b", "a", "c"}));
+    Write("[d]\n");
+    EXPECT_EQ(m_config.GetSections(), Names{"d"});
+}
+
 TEST_F(Config, says_once_that_a_value_is_not_what_it_should_be_and_takes_the_default) {
     Write("[a]\ni = abc\nd = 1.5x\nb = 2\nempty =\n");
     CaptureStderr();
@@ -181,6 +192,16 @@ TEST_F(Config, of_the_system_follows_the_environment_when_it_is_fetched_anew) {
         EXPECT_EQ(config->GetInteger("a", "k", 0), value);
         config->Release();
     }
+}
+
+TEST_F(Config, of_the_system_is_where_the_environment_says_else_in_its_fixed_place) {
+    {
+        const CSystemPath path(Path());
+        EXPECT_EQ(CConfig::SystemPath(), Path());
+    }
+    EXPECT_EQ(CConfig::SystemPath(), "/etc/corvane/corvane.conf");
+    const CSystemPath empty("");
+    EXPECT_EQ(CConfig::SystemPath(), "/etc/corvane/corvane.conf");
 }
 
 TEST_F(Config, of_ones_own_is_not_released_with_the_systems) {

@@ -108,6 +108,22 @@ TEST(ConfigText, gives_a_section_as_it_has_been_changed) {
     EXPECT_EQ(config.GetSection("b"), Values{});
 }
 
+TEST(ConfigText, names_its_sections_once_each_in_their_order) {
+    using Names = std::vector<std::string>;
+    EXPECT_EQ(CConfigText(kExample).GetSections(), (Names{"platform", "glide"}));
+    EXPECT_EQ(CConfigText("[b]\nk = 1\n[a]\n[b]\n[B]\n").GetSections(), (Names{"b", "a", "B"}));
+    EXPECT_EQ(CConfigText("").GetSections(), Names{});
+    EXPECT_EQ(CConfigText("k = 1\n# [c]\n; [d]\n[open\n[a]x\n[a b]\n").GetSections(), Names{"a b"});
+}
+
+TEST(ConfigText, names_a_section_that_was_added_and_one_that_is_left_empty) {
+    CConfigText config("[a]\nk = 1\n");
+    config.Set("b", "k", "1");
+    config.Set("", "k", "1");
+    config.Remove("a", "k");
+    EXPECT_EQ(config.GetSections(), (std::vector<std::string>{"a", "b"}));
+}
+
 TEST(ConfigText, splits_an_entry_at_its_first_equals_sign) {
     EXPECT_EQ(CConfigText("[a]\nk = x = y\n").Get("a", "k"), "x = y");
 }

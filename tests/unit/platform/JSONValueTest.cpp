@@ -31,6 +31,22 @@ std::string Nested(std::size_t depth, const std::string& opening, const std::str
     return text;
 }
 
+JSONValue::EFault FaultOf(std::string_view text) {
+    JSONValue::EFault fault = JSONValue::EFault::none;
+    const bool isRead = JSONValue::Read(text, &fault).has_value();
+    EXPECT_EQ(isRead, fault == JSONValue::EFault::none);
+    return fault;
+}
+
+/// A list of so many zeros.
+std::string Zeros(std::size_t count) {
+    std::string text = "[0";
+    for (std::size_t i = 1; i < count; ++i) {
+        text += ",0";
+    }
+    return text + "]";
+}
+
 } // namespace
 
 TEST(JSONValue, reads_every_kind_of_value_and_writes_it_shortest) {
@@ -82,8 +98,9 @@ TEST(JSONValue, reads_whole_numbers_beyond_32_bits_as_doubles) {
 }
 
 TEST(JSONValue, reads_truth_values_as_nothing) {
-    EXPECT_TRUE(JSONValue::Read("true")->IsNull());
-    EXPECT_TRUE(JSONValue::Read("false")->IsNull());
+    EXPECT_TRUE(JSONValue::Read("true")->AsTruth()->value);
+    EXPECT_FALSE(JSONValue::Read("false")->AsTruth()->value);
+    EXPECT_FALSE(JSONValue::Read("true")->IsNull());
 }
 
 TEST(JSONValue, refuses_what_is_not_one_json_text) {
@@ -152,4 +169,52 @@ TEST(JSONValue, writes_doubles_that_are_not_finite_as_null) {
 TEST(JSONValue, writes_text_of_any_bytes_as_valid_json_on_one_line) {
     EXPECT_EQ(Written("caf\xE9\n"), "\"caf\xC3\xA9\\n\"");
     EXPECT_EQ(Written(BDictionaryC().Set("a\nb", 1)), R"({"a\nb":1})");
+}
+
+TEST(JSONValue, tells_what_is_wrong_with_a_text) {
+    using enum JSONValue::EFault;
+    EXPECT_EQ(FaultOf("[1]"), none);
+    for (const char* text : {"", "[1,]", "1e999", "[1] 2"}) {
+        EXPECT_EQ(FaultOf(text), notJSON) << text;
+    }
+    EXPECT_EQ(FaultOf(std::string_view("1\0", 2)), notJSON);
+    EXPECT_EQ(FaultOf(Nested(JSONValue::kMaxDepth, "[", "", "]")), none);
+    EXPECT_EQ(FaultOf(Nested(JSONValue::kMaxDepth + 1, "[", "", "]")), tooDeep);
+    EXPECT_EQ(FaultOf(Nested(JSONValue::kMaxDepth + 1, R"({"a":)", "1", "}")), tooDeep);
+}
+
+TEST(JSONValue, reads_no_more_values_than_its_bound) {
+    using enum JSONValue::EFault;
+    EXPECT_EQ(FaultOf(Zeros(9'000)), none);
+    EXPECT_EQ(FaultOf(Zeros(JSONValue::kMaxValues + 1)), tooManyValues);
+    std::string lists = "[[]";
+    std::string members = R"({"a":0)";
+    for (std::size_t i = 0; i < JSONValue::kMaxValues; ++i) {
+        lists += ",[]";
+        members += R"(,"a":0)";
+    }
+    EXPECT_EQ(FaultOf(lists + "]"), tooManyValues);
+    EXPECT_EQ(FaultOf(members + "}"), tooManyValues);
+}
+
+TEST(JSONValue, checks_a_text_of_any_number_of_values) {
+    using enum JSONValue::EFault;
+    EXPECT_EQ(JSONValue::Check(Zeros(3 * JSONValue::kMaxValues)), none);
+    EXPECT_EQ(JSONValue::Check(R"({"a":[true,null,-1,0.5,"x",{}]})"), none);
+    for (const char* text : {"", "[1,]", "{\"a\"}", "1e999", "[1] 2", "\"\xFF\"", "]"}) {
+        EXPECT_EQ(JSONValue::Check(text), notJSON) << text;
+    }
+    EXPECT_EQ(JSONValue::Check(std::string_view("[1]\0", 4)), notJSON);
+}
+
+TEST(JSONValue, checks_how_deep_a_text_is_nested) {
+    using enum JSONValue::EFault;
+    EXPECT_EQ(JSONValue::Check(Nested(JSONValue::kMaxDepth, "[", "", "]")), none);
+    EXPECT_EQ(JSONValue::Check(Nested(JSONValue::kMaxDepth + 1, "[", "", "]")), tooDeep);
+    EXPECT_EQ(JSONValue::Check(Nested(JSONValue::kMaxDepth + 1, R"({"a":)", "1", "}")), tooDeep);
+    EXPECT_EQ(JSONValue::Check(std::string(1024 * 1024, '[')), tooDeep);
+    EXPECT_EQ(
+        JSONValue::Check("[" + Nested(31, "[", "", "]") + "," + Nested(31, "[", "", "]") + "]"),
+        none)
+        << "lists that have ended count no more";
 }

@@ -65,6 +65,19 @@ SCall Call(MPISocketClientC& client, const BListC& params = BListC()) {
     return call;
 }
 
+/// The next callback as "method params", "none" when there is none, or the error.
+std::string NextCallback(MPISocketClientC& client, std::int64_t milliseconds = 10'000) {
+    std::string error;
+    const auto callback = client.NextCallback(Core::Time::FromMilliseconds(milliseconds), error);
+    if (!callback) {
+        return error.empty() ? "none" : error;
+    }
+    EXPECT_EQ(error, "");
+    std::string text = callback->method + " ";
+    JSONValue::Append(text, callback->params);
+    return text;
+}
+
 void Connect(MPISocketClientC& client, std::uint16_t port) {
     std::string error;
     ASSERT_TRUE(client.Connect("127.0.0.1", port, error)) << error;
@@ -183,4 +196,97 @@ TEST(MPISocketClient, can_connect_again_after_closing) {
     EXPECT_FALSE(client.IsConnected());
     Connect(client, server.Port());
     EXPECT_EQ(Call(client).told, "2");
+}
+
+TEST(MPISocketClient, gives_callbacks_in_their_order) {
+    CScriptedServer server([](CScriptedPeer& peer) {
+        peer.Send("{\"jsonrpc\":\"2.0\",\"method\":\"cb_a\",\"params\":[1]}\n"
+                  "{\"method\":\"cb_b\",\"params\":{\"x\":2}}\n{\"method\":\"cb_c\"}\n");
+        peer.AwaitEnd();
+    });
+    MPISocketClientC client;
+    Connect(client, server.Port());
+    EXPECT_EQ(NextCallback(client), "cb_a [1]");
+    EXPECT_EQ(NextCallback(client), R"(cb_b {"x":2})");
+    EXPECT_EQ(NextCallback(client), "cb_c null");
+    EXPECT_EQ(NextCallback(client, 20), "none");
+    EXPECT_TRUE(client.IsConnected());
+}
+
+TEST(MPISocketClient, keeps_the_callbacks_that_come_with_an_answer) {
+    CScriptedServer server([](CScriptedPeer& peer) {
+        peer.ReadLine();
+        peer.Send("{\"method\":\"cb\",\"params\":[1]}\n{\"id\":1,\"result\":5}\n"
+                  "{\"method\":\"cb\",\"params\":[2]}\n");
+        peer.AwaitEnd();
+    });
+    MPISocketClientC client;
+    Connect(client, server.Port());
+    EXPECT_EQ(Call(client).told, "5");
+    EXPECT_EQ(NextCallback(client), "cb [1]");
+    EXPECT_EQ(NextCallback(client), "cb [2]");
+}
+
+TEST(MPISocketClient, keeps_the_last_thousand_callbacks_that_come_with_an_answer) {
+    CScriptedServer server([](CScriptedPeer& peer) {
+        peer.ReadLine();
+        std::string lines;
+        for (int i = 0; i < 1002; ++i) {
+            lines += "{\"method\":\"cb\",\"params\":[" + std::to_string(i) + "]}\n";
+        }
+        peer.Send(lines + "{\"id\":1,\"result\":5}\n");
+        peer.AwaitEnd();
+    });
+    MPISocketClientC client;
+    Connect(client, server.Port());
+    EXPECT_EQ(Call(client).told, "5");
+    EXPECT_EQ(NextCallback(client), "cb [2]");
+    for (int i = 0; i < 998; ++i) {
+        NextCallback(client);
+    }
+    EXPECT_EQ(NextCallback(client), "cb [1001]");
+    EXPECT_EQ(NextCallback(client, 1), "none");
+}
+
+TEST(MPISocketClient, waits_for_a_callback_no_longer_than_it_may) {
+    CScriptedServer server([](CScriptedPeer& peer) { peer.AwaitEnd(); });
+    MPISocketClientC client;
+    Connect(client, server.Port());
+    const Core::MonotonicTime begin = Core::MonotonicTime::Now();
+    EXPECT_EQ(NextCallback(client, 50), "none");
+    EXPECT_GE((Core::MonotonicTime::Now() - begin).AsSeconds(), 0.05);
+    EXPECT_TRUE(client.IsConnected());
+}
+
+TEST(MPISocketClient, gives_the_callbacks_of_a_server_that_closes_behind_them) {
+    CScriptedServer server([](CScriptedPeer& peer) { peer.Send("{\"method\":\"cb\"}\n"); });
+    MPISocketClientC client;
+    Connect(client, server.Port());
+    EXPECT_EQ(NextCallback(client), "cb null");
+    EXPECT_EQ(NextCallback(client), "the peer has closed the connection");
+    EXPECT_FALSE(client.IsConnected());
+    EXPECT_EQ(NextCallback(client), "not connected");
+}
+
+TEST(MPISocketClient, ends_the_connection_at_a_callback_without_sense) {
+    CScriptedServer server([](CScriptedPeer& peer) {
+        peer.Send("garbage\n");
+        peer.AwaitEnd();
+    });
+    MPISocketClientC client;
+    Connect(client, server.Port());
+    EXPECT_EQ(NextCallback(client), "the answer is not a JSON object");
+    EXPECT_FALSE(client.IsConnected());
+}
+
+TEST(MPISocketClient, waits_for_an_answer_as_long_as_it_is_told) {
+    CScriptedServer server([](CScriptedPeer& peer) { peer.AwaitEnd(); });
+    MPISocketClientC client;
+    client.SetTimeout(Core::Time::FromMilliseconds(50));
+    Connect(client, server.Port());
+    const Core::MonotonicTime begin = Core::MonotonicTime::Now();
+    EXPECT_EQ(Call(client).told, "no answer within the time-out");
+    const double seconds = (Core::MonotonicTime::Now() - begin).AsSeconds();
+    EXPECT_GE(seconds, 0.05);
+    EXPECT_LT(seconds, 0.9) << "sooner than the usual time-out";
 }

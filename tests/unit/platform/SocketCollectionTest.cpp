@@ -1,6 +1,8 @@
 #include "platform/SocketCollection.h"
 
+#include <functional>
 #include <gtest/gtest.h>
+#include <string>
 
 namespace {
 
@@ -10,14 +12,24 @@ public:
         : m_descriptor(descriptor), m_wantsToWrite(wantsToWrite) {}
 
     int Descriptor() const override { return m_descriptor; }
+    bool WantsToRead() const override { return wantsToRead; }
     bool WantsToWrite() const override { return m_wantsToWrite; }
     void Service(bool readable, bool writable) override {
         ++services;
         wasReadable = readable;
         wasWritable = writable;
+        log += name;
+        if (onService) {
+            onService();
+        }
     }
+    void AfterService() override { log += "after " + name; }
     void EndPass() override { ++endedPasses; }
 
+    bool wantsToRead = true;
+    std::string name;
+    std::function<void()> onService;
+    static inline std::string log; ///< what all of them were called for, in order
     int services = 0;
     int endedPasses = 0;
     bool wasReadable = false;
@@ -33,6 +45,7 @@ protected:
     SocketCollection() {
         FD_ZERO(&m_readSet);
         FD_ZERO(&m_writeSet);
+        CFakeSocket::log.clear();
     }
 
     SocketCollectionC m_collection;
@@ -93,4 +106,42 @@ TEST_F(SocketCollection, tells_members_the_end_of_a_pass_until_they_are_removed)
     m_collection.EndPass();
     EXPECT_EQ(socket.endedPasses, 1);
     EXPECT_EQ(m_collection.AddToSets(m_readSet, m_writeSet), -1);
+}
+
+TEST_F(SocketCollection, does_not_watch_for_reading_who_does_not_want_to_read) {
+    CFakeSocket writer(3, true);
+    CFakeSocket neither(5, false);
+    writer.wantsToRead = false;
+    neither.wantsToRead = false;
+    m_collection.Add(&writer);
+    m_collection.Add(&neither);
+    m_collection.AddToSets(m_readSet, m_writeSet);
+    for (const int descriptor : {3, 5}) {
+        EXPECT_FALSE(FD_ISSET(descriptor, &m_readSet));
+    }
+    EXPECT_TRUE(FD_ISSET(3, &m_writeSet));
+    EXPECT_FALSE(FD_ISSET(5, &m_writeSet));
+}
+
+TEST_F(SocketCollection, lets_members_share_out_work_when_all_have_been_served) {
+    CFakeSocket first(4, false);
+    CFakeSocket second(-1, false);
+    first.name = "1 ";
+    second.name = "2 ";
+    m_collection.Add(&first);
+    m_collection.Add(&second);
+    m_collection.Service(m_readSet, m_writeSet);
+    EXPECT_EQ(CFakeSocket::log, "1 2 after 1 after 2 ");
+}
+
+TEST_F(SocketCollection, serves_a_member_that_joins_while_another_is_served) {
+    CFakeSocket first(4, false);
+    CFakeSocket joining(6, false);
+    first.name = "1 ";
+    joining.name = "2 ";
+    first.onService = [&] { m_collection.Add(&joining); };
+    m_collection.Add(&first);
+    m_collection.Service(m_readSet, m_writeSet);
+    EXPECT_EQ(CFakeSocket::log, "1 2 after 1 after 2 ");
+    EXPECT_FALSE(joining.wasReadable);
 }

@@ -8,6 +8,7 @@
 #include "LogObserver/ReceiverStatusObserver.h"
 #include "platform/DebugPrint.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -63,7 +64,8 @@ struct CNovatelMPIServer::SMethod {
 const CNovatelMPIServer::SMethod CNovatelMPIServer::kMethods[] = {
     {"DummyFunction", {}, &CNovatelMPIServer::DummyFunction},
     {"RequestNMEA", {{"sentence name", EType::text, true}, {"period in milliseconds", EType::integer, true}},
-     &CNovatelMPIServer::RequestNMEA, ECost::light, &CNovatelMPIServer::WhyNoRoomToSend},
+     &CNovatelMPIServer::RequestNMEA, ECost::light, &CNovatelMPIServer::WhyNoRoomForOne,
+     &CNovatelMPIServer::WhyNoSentence},
     {"novatel_SetSBASEnabled", {{"enabled", EType::integer}},
      &CNovatelMPIServer::SetSBASEnabled, ECost::settingsWrite},
     {"novatel_GetSBASEnabled", {}, &CNovatelMPIServer::GetSBASEnabled},
@@ -99,7 +101,7 @@ const CNovatelMPIServer::SMethod CNovatelMPIServer::kMethods[] = {
     {"novatel_SendFReset", {},
      &CNovatelMPIServer::SendFReset, ECost::light, &CNovatelMPIServer::WhyNoRoomToReplay},
     {"novatel_RefreshReceiverConfiguration", {},
-     &CNovatelMPIServer::RefreshReceiverConfiguration, ECost::pause, &CNovatelMPIServer::WhyNoRoomToSend},
+     &CNovatelMPIServer::RefreshReceiverConfiguration, ECost::pause, &CNovatelMPIServer::WhyNoRoomForInformation},
     {"novatel_GetReceiverTrackingStatus", {}, &CNovatelMPIServer::GetReceiverTrackingStatus},
     {"novatel_SetReferenceOutputBandwidth", {}, &CNovatelMPIServer::SetReferenceOutputBandwidth},
     {"novatel_GetFirmwareUpgradeStatus", {}, &CNovatelMPIServer::GetFirmwareUpgradeStatus},
@@ -142,20 +144,36 @@ std::string CNovatelMPIServer::WhyNoRoomToQueue() const {
                : "10000 commands wait to be sent to the receiver already";
 }
 
-std::string CNovatelMPIServer::WhyNoRoomToSend() const {
-    return m_commands == nullptr || m_commands->HasRoomToSend(kInformationRequests)
+std::string CNovatelMPIServer::WhyNoRoomToSend(std::size_t count) const {
+    return m_commands == nullptr || m_commands->HasRoomToSend(count)
                ? ""
                : "10000 commands are kept to be sent again after a reset; changing a setting or "
                  "starting the daemon again begins anew";
+}
+
+std::string CNovatelMPIServer::WhyNoRoomForOne() const {
+    return WhyNoRoomToSend(1);
+}
+
+std::string CNovatelMPIServer::WhyNoRoomForInformation() const {
+    return WhyNoRoomToSend(kInformationRequests);
 }
 
 /// The command itself is kept as well, and replayed.
 std::string CNovatelMPIServer::WhyNoRoomToReplay() const {
     if (m_commands == nullptr ||
         m_commands->HasRoomToQueue(m_commands->Configuration().size() + 1)) {
-        return WhyNoRoomToSend();
+        return WhyNoRoomForOne();
     }
     return "10000 commands would wait to be sent to the receiver";
+}
+
+std::string CNovatelMPIServer::WhyNoSentence(const BListC& arguments) const {
+    const std::string name = arguments.GetString(0);
+    const bool isWord = std::all_of(name.begin(), name.end(), [](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    });
+    return isWord ? "" : "argument 0 (sentence name) must be letters and digits";
 }
 
 std::string CNovatelMPIServer::WhyNoPosition(const BListC& arguments) const {

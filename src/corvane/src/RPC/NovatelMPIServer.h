@@ -63,7 +63,10 @@ private:
 
     std::string WhyNoPosition(const BListC& arguments) const;
     std::string WhyNoRoomToQueue() const;
-    std::string WhyNoRoomToSend() const;
+    std::string WhyNoSentence(const BListC& arguments) const;
+    std::string WhyNoRoomToSend(std::size_t count) const;
+    std::string WhyNoRoomForOne() const;
+    std::string WhyNoRoomForInformation() const;
     std::string WhyNoRoomToReplay() const;
     void PostTrackingStatus(std::int32_t distinctPRNs);
 

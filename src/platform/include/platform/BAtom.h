@@ -16,7 +16,8 @@ class BListC;
 class BDictionaryC;
 
 /// One value: nothing, a 32-bit integer, a double, a text, a list or a dictionary. A truth value is
-/// the integer 0 or 1, which is also what a `bool` becomes here.
+/// the integer 0 or 1, which is also what a `bool` becomes here; one that a peer has written as
+/// `true` or `false` is kept as what it is, and reads as none of these.
 ///
 /// A value never changes but by assignment, so that copies are cheap: they share what a list or a
 /// dictionary holds. Reading it as something that it is not gives nothing.
@@ -27,6 +28,10 @@ public:
     BAtomC(double value) : m_value(value) {}
     BAtomC(std::string value) : m_value(std::move(value)) {}
     BAtomC(const char* value) : m_value(std::string(value)) {}
+    struct STruth {
+        bool value;
+    };
+    BAtomC(STruth value) : m_value(value) {}
     BAtomC(BListC value);
     BAtomC(BDictionaryC value);
 
@@ -36,6 +41,8 @@ public:
     std::optional<std::int32_t> AsInteger() const;
     /// Also of an integer.
     std::optional<double> AsDouble() const;
+    /// Null when it is none.
+    const STruth* AsTruth() const { return std::get_if<STruth>(&m_value); }
     /// Null when it is none; otherwise valid as long as this value is left as it is. So are those
     /// of the two below.
     const std::string* AsText() const { return std::get_if<std::string>(&m_value); }
@@ -46,7 +53,8 @@ private:
     using TList = std::shared_ptr<const BListC>;
     using TDictionary = std::shared_ptr<const BDictionaryC>;
 
-    std::variant<std::monostate, std::int32_t, double, std::string, TList, TDictionary> m_value;
+    std::variant<std::monostate, std::int32_t, double, std::string, STruth, TList, TDictionary>
+        m_value;
 };
 
 /// Values in order: the arguments of a call, or what it answers.

@@ -40,6 +40,10 @@ public:
     /// The reply; none for a procedure that returns nothing.
     virtual std::unique_ptr<BListC> Call(const BListC& arguments) = 0;
 
+    /// Makes the call and gives what is written as its result: the reply as a list, nothing without
+    /// one. Procedures that answer a single value give that.
+    virtual BAtomC Answer(const BListC& arguments);
+
 private:
     std::string m_name;
     std::vector<SArgument> m_arguments;
@@ -51,6 +55,8 @@ template <class T>
 class MPICallback : public MPICallbackBase {
 public:
     using Operation = std::unique_ptr<BListC> (T::*)(const BListC&);
+    /// Of a procedure that answers a single value, not a list.
+    using ValueOperation = BAtomC (T::*)(const BListC&);
     using Check = std::string (T::*)() const;
     using ArgumentCheck = std::string (T::*)(const BListC&) const;
 
@@ -63,6 +69,15 @@ public:
           m_whyNotNow(whyNotNow),
           m_whyWrong(whyWrong) {}
 
+    MPICallback(std::string name, std::vector<SArgument> arguments, ECost cost, T& object,
+                ValueOperation operation, Check whyNotNow = nullptr,
+                ArgumentCheck whyWrong = nullptr)
+        : MPICallbackBase(std::move(name), std::move(arguments), cost),
+          m_object(object),
+          m_valueOperation(operation),
+          m_whyNotNow(whyNotNow),
+          m_whyWrong(whyWrong) {}
+
     std::string WhyWrong(const BListC& arguments) const override {
         const std::string why = MPICallbackBase::WhyWrong(arguments);
         return !why.empty() || m_whyWrong == nullptr ? why : (m_object.*m_whyWrong)(arguments);
@@ -71,13 +86,20 @@ public:
     std::string WhyNotNow() const override {
         return m_whyNotNow == nullptr ? std::string() : (m_object.*m_whyNotNow)();
     }
+    /// A single value is given as a list of one.
     std::unique_ptr<BListC> Call(const BListC& arguments) override {
-        return (m_object.*m_operation)(arguments);
+        return m_operation == nullptr ? std::make_unique<BListC>(BListC().Add(Answer(arguments)))
+                                      : (m_object.*m_operation)(arguments);
+    }
+    BAtomC Answer(const BListC& arguments) override {
+        return m_valueOperation == nullptr ? MPICallbackBase::Answer(arguments)
+                                           : (m_object.*m_valueOperation)(arguments);
     }
 
 private:
     T& m_object;
-    Operation m_operation;
+    Operation m_operation = nullptr; ///< one of the two
+    ValueOperation m_valueOperation = nullptr;
     Check m_whyNotNow;
     ArgumentCheck m_whyWrong;
 };

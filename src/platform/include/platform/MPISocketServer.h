@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -19,7 +20,7 @@ class CServedClient;
 /// Answers any number of clients, fairly and within bounds, so that none of them, however slow,
 /// broken or hostile, holds up the loop or takes more than its share:
 /// - a pass spends about kBudget on requests, each client having one answered in turn;
-/// - a pass makes one call that pauses and one that writes a setting;
+/// - a pass makes one call that pauses and one that writes a setting, by turns as well;
 /// - a line longer than MPISocketConnectionC::kMaxLine is answered with an error and the connection
 ///   closed, that of a web browser at once;
 /// - a client for which kMaxWaiting bytes wait is disconnected, and the one that holds most while
@@ -70,6 +71,10 @@ public:
     void AfterService() override;
     void EndPass() override;
 
+    /// Gives back what no client needs when all of them together hold too much, then gives up those
+    /// that hold most. To be called whenever a client may hold more than before.
+    void LimitMemory();
+
     /// Answers one request, or one element of a batch; empty when it wants no answer. Nothing is
     /// done, and false returned, when it must wait for a later pass.
     bool Answer(MPISocketConnectionC& caller, std::string_view request, std::string& answer);
@@ -88,9 +93,8 @@ private:
     bool AcceptOne();
     std::size_t MaxClients() const;
     void ShareOutWork();
-    bool HasSpent(MPICallbackBase::ECost cost) const;
-    void Spend(MPICallbackBase::ECost cost);
-    void LimitMemory();
+    bool MayCall(MPICallbackBase::ECost cost, const MPISocketConnectionC& caller);
+    void ForgetTurns(const MPISocketConnectionC& caller);
     void RemoveEnded();
 
     SocketCollectionC& m_sockets;
@@ -107,6 +111,11 @@ private:
     TClients m_clients;
     std::size_t m_nextClient = 0; ///< whose turn is first in the next pass
     MPISocketConnectionC* m_caller = nullptr;
-    bool m_hasPaused = false;
-    bool m_hasWritten = false;
+    /// Of the calls of which a pass makes one: whether it has, and whose turn is next.
+    struct STurns {
+        bool isSpent = false;
+        std::deque<const MPISocketConnectionC*> waiting;
+    };
+    STurns m_writes;
+    STurns m_pauses;
 };

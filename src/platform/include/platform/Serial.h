@@ -42,6 +42,10 @@ public:
     /// Goes on with what waits; closes the line when it is lost or stalled. True while it is open.
     bool ContinueWriting();
     bool HasWaitingBytes() const { return !m_tail.IsEmpty(); }
+    /// How many bytes wait in the tail.
+    std::size_t WaitingBytes() const { return m_tail.Size(); }
+    /// The speed that the line has, or is given with the next Open().
+    std::int32_t BaudRate() const { return m_baud; }
 
     /// A time-out of zero or less waits for nothing.
     void SetTimeout(Time readTimeout) { m_readTimeout = readTimeout; }

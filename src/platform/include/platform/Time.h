@@ -113,7 +113,7 @@ private:
 };
 
 /// Stops this thread for `span` (at once when it is not positive) and meanwhile serves the link to
-/// the services: the only way the daemon ever pauses.
+/// the services, if the process has one: the only way the daemon ever pauses.
 void Sleep(Time span);
 
 } // namespace Core

@@ -32,6 +32,8 @@ public:
     EResult Continue(int descriptor);
 
     bool IsEmpty() const { return m_waiting.empty(); }
+    /// How many bytes wait.
+    std::size_t Size() const { return m_waiting.size(); }
     /// To be called when the descriptor is closed: what waited for it is not for the next one.
     void Clear() { m_waiting.clear(); }
 
