@@ -1,0 +1,69 @@
+#include "mux/Multiplexer.h"
+
+#include "platform/DebugPrint.h"
+
+#include <sys/select.h>
+
+namespace Mux {
+
+namespace {
+
+/// The longest pass: timers are looked at so often.
+constexpr timespec kPass = {0, 100'000'000};
+constexpr int kBacklog = 16;
+
+} // namespace
+
+CMultiplexer::CMultiplexer(const SSettings& settings)
+    : m_settings(settings), m_server(m_sockets, m_ports) {
+    for (const SPort& port : m_settings.ports) {
+        m_ports.push_back(std::make_unique<CPort>(port, m_settings, m_sockets));
+    }
+    m_sockets.Add(&m_server);
+}
+
+bool CMultiplexer::Start() {
+    bool isServing = false;
+    for (const auto& port : m_ports) {
+        isServing = port->Listen() || isServing;
+    }
+    if (!isServing) {
+        return false;
+    }
+    const bool isListening = m_server.StartServer(
+        m_settings.rpcListen, m_settings.rpcPort, kBacklog,
+        [](const std::string& why) { deprintf("remote procedures: %s\n", why.c_str()); });
+    if (isListening) {
+        deprintf("remote procedures: served on %s:%d\n", m_settings.rpcListen.c_str(),
+                 static_cast<int>(m_settings.rpcPort));
+    }
+    return true;
+}
+
+void CMultiplexer::Run(const volatile std::sig_atomic_t& shallEnd, const sigset_t& blocked) {
+    while (shallEnd == 0) {
+        Pass(blocked);
+    }
+    for (const auto& port : m_ports) {
+        port->TellSum();
+    }
+}
+
+void CMultiplexer::Pass(const sigset_t& blocked) {
+    fd_set readSet;
+    fd_set writeSet;
+    FD_ZERO(&readSet);
+    FD_ZERO(&writeSet);
+    const int highest = m_sockets.AddToSets(readSet, writeSet);
+    const int ready = pselect(highest + 1, &readSet, &writeSet, nullptr, &kPass, &blocked);
+    if (ready < 0) {
+        return; // a signal; the sets say nothing then
+    }
+    if (ready == 0) {
+        m_server.Idle();
+    }
+    m_sockets.Service(readSet, writeSet);
+    m_sockets.EndPass();
+}
+
+} // namespace Mux

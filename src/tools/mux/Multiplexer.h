@@ -1,0 +1,32 @@
+// The whole multiplexer: its ports, its remote procedures, and the loop that serves them.
+#pragma once
+
+#include "mux/PortServer.h"
+#include "mux/Settings.h"
+#include "platform/SocketCollection.h"
+
+#include <csignal>
+
+namespace Mux {
+
+class CMultiplexer {
+public:
+    /// The settings outlive it.
+    explicit CMultiplexer(const SSettings& settings);
+
+    /// False when not one port can be served; the others are tried again while it runs.
+    bool Start();
+    /// Serves until `shallEnd`; only while it waits are signals let through that are not in
+    /// `blocked`.
+    void Run(const volatile std::sig_atomic_t& shallEnd, const sigset_t& blocked);
+
+private:
+    void Pass(const sigset_t& blocked);
+
+    const SSettings& m_settings;
+    SocketCollectionC m_sockets;
+    CPortServer::TPorts m_ports;
+    CPortServer m_server;
+};
+
+} // namespace Mux
