@@ -66,6 +66,12 @@ class LinePerTest(unittest.TestResult):
     def addError(self, test, err) -> None:
         self.addFailure(test, err)
 
+    def addSubTest(self, test, subtest, err) -> None:
+        """Only failures of parts are told so; a test with one of them has no success."""
+        if err is not None:
+            text = self._exc_info_to_string(err, subtest)
+            self._tell("FAILED", test, f"{subtest}\n{text}")
+
     def addExpectedFailure(self, test, err) -> None:
         self.addFailure(test, err)
 

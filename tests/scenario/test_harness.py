@@ -1,6 +1,7 @@
 """The tools of the scenario tests themselves: peers against each other, decoder against builder."""
 
 import contextlib
+import io
 import json
 import os
 import socket
@@ -16,6 +17,7 @@ from harness.multiplexer import RPC_PORT, socket_path
 from harness.recording import Block
 from harness.scenario import Scenario
 from harness.waiting import NotInTime, wait_until
+from run import LinePerTest
 
 EVENT = {"name": "x", "level": "error", "text": "t", "time": 1}
 

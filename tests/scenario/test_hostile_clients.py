@@ -207,7 +207,7 @@ class TooMuch(UnderLoad):
         with self.under_load(), Crowd() as crowd:
             members = crowd.join(8, ASKING * 1_000_000, reads=False)
             crowd.run_until("them to be closed", lambda: all(each.is_closed for each in members),
-                            30.0)
+                            10.0)
             most = MOST_WAITING / len(line(DONE)) * len(ASKING)
             for each in members:
                 self.assertLess(each.sent, 2 * most)

@@ -67,7 +67,7 @@ void MPISocketConnectionC::QueuePart(std::string_view part) {
 void MPISocketConnectionC::EndLine() {
     m_output += '\n';
     m_output += m_behind;
-    m_behind = std::string();
+    std::string().swap(m_behind);
     m_isInLine = false;
 }
 
@@ -102,6 +102,17 @@ bool MPISocketConnectionC::Send() {
 void MPISocketConnectionC::ReleaseMemory() {
     m_input.shrink_to_fit();
     m_output.shrink_to_fit();
+}
+
+void MPISocketConnectionC::ReleaseEmptyBuffers() {
+    if (m_taken == m_input.size()) {
+        std::string().swap(m_input); // assigning would keep the memory
+        m_taken = m_searched = 0;
+    }
+    if (!HasWaitingBytes()) {
+        std::string().swap(m_output);
+        m_sent = 0;
+    }
 }
 
 bool MPISocketConnectionC::Wait(short events, Core::MonotonicTime deadline) const {

@@ -45,6 +45,19 @@ int Listen(const std::string& address, std::uint16_t port, int backlog, std::str
     return -1;
 }
 
+/// Answers leave at once; a client that vanished without a word is found out after some 90 s, or
+/// enough of them would leave no place for others.
+void SetUpClient(int descriptor) {
+    const auto set = [&](int level, int name, int value) {
+        ::setsockopt(descriptor, level, name, &value, sizeof value);
+    };
+    set(IPPROTO_TCP, TCP_NODELAY, 1);
+    set(SOL_SOCKET, SO_KEEPALIVE, 1);
+    set(IPPROTO_TCP, TCP_KEEPIDLE, 60);
+    set(IPPROTO_TCP, TCP_KEEPINTVL, 10);
+    set(IPPROTO_TCP, TCP_KEEPCNT, 3);
+}
+
 } // namespace
 
 MPISocketServerC::MPISocketServerC(SocketCollectionC& sockets) : m_sockets(sockets) {
@@ -129,8 +142,7 @@ bool MPISocketServerC::AcceptOne() {
     if (Core::IO::KeepSelectable(descriptor) < 0) {
         return true;
     }
-    const int on = 1;
-    ::setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    SetUpClient(descriptor);
     m_clients.push_back(std::make_unique<CServedClient>(descriptor, *this));
     m_sockets.Add(m_clients.back().get());
     return true;
@@ -253,7 +265,9 @@ std::size_t MPISocketServerC::HeldBytes() const {
 
 void MPISocketServerC::LimitMemory() {
     if (HeldBytes() > kMaxHeld) {
-        Idle();
+        for (const auto& client : m_clients) {
+            client->Connection().ReleaseEmptyBuffers();
+        }
     }
     while (HeldBytes() > kMaxHeld) {
         const auto held = [](const auto& client) {

@@ -20,13 +20,13 @@ struct SPeriod {
 
 /// Rates are probabilities.
 struct SFaultSettings {
-    std::optional<SPeriod> silent;
-    std::optional<SPeriod> wrongBaud; ///< the COM ports run at a speed that nobody else has
-    double noise = 0.0;               ///< of a burst of noise in front of a log
-    double bitErrors = 0.0;           ///< of each bit
-    double drop = 0.0;                ///< of each log: it does not come
-    double duplicate = 0.0;           ///< it comes twice
-    double cut = 0.0;                 ///< its end is missing
+    std::optional<SPeriod> silent = {};
+    std::optional<SPeriod> wrongBaud = {}; ///< the COM ports run at a speed that nobody else has
+    double noise = 0.0;                    ///< of a burst of noise in front of a log
+    double bitErrors = 0.0;                ///< of each bit
+    double drop = 0.0;                     ///< of each log: it does not come
+    double duplicate = 0.0;                ///< it comes twice
+    double cut = 0.0;                      ///< its end is missing
 };
 
 /// So many bytes of what a line at the wrong speed makes of anything.

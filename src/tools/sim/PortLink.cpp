@@ -81,10 +81,19 @@ bool CPortLink::LookForPeer() {
     const bool hadPeer = m_hasPeer;
     m_hasPeer = ::poll(&watched, 1, 0) == 0 || (watched.revents & POLLHUP) == 0;
     if (hadPeer && !m_hasPeer) {
-        ::tcflush(m_master, TCOFLUSH);
-        m_unsent.clear();
+        DropUnread();
     }
     return m_hasPeer;
+}
+
+/// The kernel would keep it for the next one; only from the device's own side it lets it go.
+void CPortLink::DropUnread() {
+    m_unsent.clear();
+    const int terminal = ::open(m_device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (terminal >= 0) {
+        ::tcflush(terminal, TCIFLUSH);
+        ::close(terminal);
+    }
 }
 
 std::uint32_t CPortLink::Speed() const {

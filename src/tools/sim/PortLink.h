@@ -40,6 +40,7 @@ public:
 private:
     std::string MakeDevice(std::uint32_t baud);
     std::string MakeLink(const std::string& link);
+    void DropUnread();
 
     int m_master = -1;
     std::string m_device;

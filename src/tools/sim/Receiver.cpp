@@ -62,8 +62,9 @@ std::vector<SPortSettings> CReceiver::FactoryPorts() const {
 
 Milliseconds CReceiver::NextEvent() const {
     Milliseconds next = std::min({m_downAt, m_upAt, m_firmware.NextStep(), m_schedule.NextDue()});
-    next = std::min(
-        next, NextOf(m_now, {m_startedAt + kClockUnknownTime, m_startedAt + kAcquisitionTime}));
+    next = std::min(next,
+                    NextOf(m_now, {m_startedAt + kClockUnknownTime, m_startedAt + kAcquisitionTime,
+                                   m_rtkConvergesAt, m_pdpConvergesAt}));
     for (const SStatusFault& fault : m_settings.faults) {
         const Milliseconds begin = m_start + fault.at;
         next = std::min(next, NextOf(m_now, {begin, EndOf(begin, fault.duration)}));

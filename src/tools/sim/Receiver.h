@@ -21,7 +21,7 @@ struct SUtterance {
     EPort port = EPort::com1;
     Milliseconds moment = 0;
     std::uint32_t baud = 0; ///< of the port, as it is said
-    Bytes bytes;
+    Bytes bytes = {};
     bool isLog = false;
 };
 
@@ -43,12 +43,12 @@ struct SStatusFault {
 
 struct SReceiverSettings {
     std::uint64_t seed = 1;
-    STime start;
+    STime start = {};
     std::uint32_t baud = 9600; ///< of the COM ports after every start
     std::string model = "L12LGRV";
     std::string firmware = "3.907";
-    std::string firmwareError; ///< with which a firmware load ends
-    std::vector<SStatusFault> faults;
+    std::string firmwareError = {}; ///< with which a firmware load ends
+    std::vector<SStatusFault> faults = {};
 };
 
 /// Knows nothing of real time: it is told the moment with whatever happens, and never an earlier

@@ -53,6 +53,8 @@ public:
     }
     /// Gives back the memory that the buffers do not need now.
     void ReleaseMemory();
+    /// The same for buffers that hold nothing, which copies nothing.
+    void ReleaseEmptyBuffers();
 
     /// Waits for the `events` of poll(), or for the connection to fail. False when the deadline
     /// has passed instead.

@@ -9,11 +9,11 @@
 
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using Sim::ECommandForm;
 using Sim::ParseLine;
 using Sim::SCommand;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 using Names = std::vector<std::string>;
 
@@ -58,7 +58,7 @@ TEST(SimCommand, is_nothing_on_an_empty_line) {
 TEST(SimCommand, of_the_ascii_form_has_its_arguments_behind_the_semicolon) {
     // CRC-32 of the text between # and *, start 0, not inverted: worked out with zlib.
     const SCommand command = ParseLine(
-        "#LOGA,THISPORT,0,0,UNKNOWN,0,0.0,0,0,0;COM1,BESTPOSB,ONTIME,1.0,0.0,NOHOLD*@CRC@");
+        "#LOGA,THISPORT,0,0,UNKNOWN,0,0.0,0,0,0;COM1,BESTPOSB,ONTIME,1.0,0.0,NOHOLD*a2a23f0c");
     EXPECT_EQ(command.form, ECommandForm::ascii);
     EXPECT_FALSE(command.isDamaged);
     EXPECT_EQ(command.name, "LOG");
@@ -66,7 +66,7 @@ TEST(SimCommand, of_the_ascii_form_has_its_arguments_behind_the_semicolon) {
 }
 
 TEST(SimCommand, of_the_ascii_form_is_damaged_without_its_crc) {
-    for (const std::string crc : {"*00000000", "*", "", "*@CRC@0", "*1"}) {
+    for (const std::string crc : {"*00000000", "*", "", "*a2a23f0c0", "*1"}) {
         EXPECT_TRUE(ParseLine("#LOGA,THISPORT,0,0,UNKNOWN,0,0.0,0,0,0;COM1,BESTPOSB,ONTIME,1.0,"
                               "0.0,NOHOLD" +
                               crc)
