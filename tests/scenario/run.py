@@ -20,7 +20,7 @@ from harness import namespace, places
 
 HERE = Path(__file__).resolve().parent
 AT_A_TIME = 2
-MODULE_SECONDS = 120
+MODULE_SECONDS = 180
 CLOSING_LINE = re.compile(r"(\d+) passed, (\d+) failed, (\d+) skipped")
 
 

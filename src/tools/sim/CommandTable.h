@@ -30,8 +30,8 @@ struct SParameter {
 
 struct SCommandFacts {
     std::string_view name;
+    std::span<const SParameter> parameters;
     std::uint16_t identifier;
-    std::span<const SParameter> parameters = {};
     bool takesPort = false; ///< a port may stand in front
     bool needsRTK = false;
 };

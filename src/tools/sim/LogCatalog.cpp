@@ -86,7 +86,7 @@ const SCatalogLog* FindLog(std::uint16_t identifier) {
 }
 
 std::string LogName(const SNamedLog& log) {
-    const std::string name(log.log->name);
+    std::string name(log.log->name);
     switch (log.format) {
     case ELogFormat::binary:
         return name + "B";

@@ -33,7 +33,7 @@ CPortLink::~CPortLink() {
 }
 
 std::string CPortLink::Open(const std::string& link, std::uint32_t baud) {
-    const std::string reason = MakeDevice(baud);
+    std::string reason = MakeDevice(baud);
     return reason.empty() ? MakeLink(link) : reason;
 }
 
@@ -50,7 +50,7 @@ std::string CPortLink::MakeDevice(std::uint32_t baud) {
     if (terminal < 0) {
         return ErrorText();
     }
-    const std::string reason = MakeRaw(terminal, baud) ? "" : ErrorText();
+    std::string reason = MakeRaw(terminal, baud) ? "" : ErrorText();
     ::close(terminal);
     return reason;
 }
