@@ -31,6 +31,9 @@ endif()
 # A compiler cache makes the second build of a preset a matter of seconds.
 find_program(CORVANE_CCACHE ccache)
 if(CORVANE_CCACHE)
-    set(CMAKE_C_COMPILER_LAUNCHER ${CORVANE_CCACHE})
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CORVANE_CCACHE})
+    # Paths below the checkout count as relative, so that every checkout shares what one has built.
+    set(CORVANE_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}
+        CCACHE_NOHASHDIR=true ${CORVANE_CCACHE})
+    set(CMAKE_C_COMPILER_LAUNCHER ${CORVANE_LAUNCHER})
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CORVANE_LAUNCHER})
 endif()

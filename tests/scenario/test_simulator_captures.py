@@ -1,4 +1,4 @@
-"""Captures that the simulator writes: the same again for the same seed, and spoilt as it is told."""
+"""Captures that the simulator writes: the same for the same seed, and spoilt as it is told."""
 
 import struct
 import subprocess

@@ -65,9 +65,9 @@ constexpr SParameter kAssign[] = {
     {.lowest = 0, .highest = kLastChannel, .refusal = EResponse::channelInvalid},
     {.choices = kAssignStates, .isOptional = true},
     {.lowest = 0, .highest = 138, .isOptional = true},
-    {.lowest = -100'000, .highest = 100'000, .isOptional = true},
+    {.lowest = -100'000, .highest = 100'000, .isFraction = true, .isOptional = true},
     {.lowest = 0, .highest = 10'000, .isOptional = true}};
-constexpr SParameter kElevation[] = {{.lowest = -90, .highest = 90}};
+constexpr SParameter kElevation[] = {{.lowest = -90, .highest = 90, .isFraction = true}};
 constexpr SParameter kDynamicsType[] = {{.choices = kDynamics}};
 constexpr SParameter kSource[] = {{.choices = kSources}, {.isText = true, .isOptional = true}};
 constexpr SParameter kMotionMode[] = {{.choices = kMotion}};
@@ -143,7 +143,8 @@ SResponse TakeWord(const SParameter& parameter, const std::string& word, std::in
         value = choice->number;
         return {};
     }
-    const std::optional<std::int64_t> number = WholeNumber(word);
+    const std::optional<std::int64_t> number =
+        WholeNumber(parameter.isFraction ? word.substr(0, word.find('.')) : word);
     if (!number) {
         return {EResponse::invalidField, field};
     }

@@ -24,6 +24,7 @@ struct SParameter {
     std::int64_t lowest = 0;               ///< of other numbers; the highest below it for none
     std::int64_t highest = -1;
     bool isText = false;
+    bool isFraction = false; ///< decimals are taken, and cut off
     bool isOptional = false;
     EResponse refusal = EResponse::outOfRange; ///< of a number
 };

@@ -34,6 +34,9 @@ TEST_F(SimReceiverCommand, with_wrong_arguments_is_refused_with_the_reason) {
     ExpectError("sbascontrol enable waas 121 bad", "Invalid message. Field = 4");
     ExpectError("sbascontrol enable waas 119", "Parameter 3 is out of range");
     ExpectError("assign 31 auto", "Channel is invalid");
+    ExpectError("ecutoff 91.0", "Parameter 1 is out of range");
+    ExpectError("ecutoff low", "Invalid message. Field = 1");
+    ExpectError("rtktimeout 5.5", "Invalid message. Field = 1");
     ExpectError("interfacemode usb1 novatel zq3", "Invalid message. Field = 3");
     ExpectError("interfacemode usb1 21 1", "Parameter 2 is out of range");
 }
@@ -43,7 +46,7 @@ TEST_F(SimReceiverCommand, of_every_kind_that_has_no_effect_here_is_accepted) {
          {"psrdiffsource none", "psrdiffsource auto \"ANY\"", "rtksource auto",
           "rtkdynamics dynamic", "rtknetwork auto", "rtkqualitylevel extra_safe", "rtktimeout 60",
           "setionotype grid", "pdpmode relative auto", "dynamics air", "dynamics 2",
-          "assign 0 idle", "ecutoff 5", "sbascontrol enable egnos 120 none",
+          "assign 0 idle", "ecutoff 5.5", "sbascontrol enable egnos 120 none",
           "sbascontrol disable auto 0"}) {
         EXPECT_EQ(Ask(command), Answer("OK")) << command;
     }
