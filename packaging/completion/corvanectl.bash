@@ -8,7 +8,7 @@ _corvanectl_words()
         ::*)
             printf '%s\n' ping receiver channels tracking sbas glonass-corrections gps-logging \
                 sbas-prn reference-format ionosphere reference-position bandwidth region refresh \
-                reset nmea firmware config methods call
+                reset nmea firmware config record methods call
             ;;
         sbas::0 | glonass-corrections::0 | gps-logging::0) printf '%s\n' on off ;;
         reference-format::0) printf '%s\n' VARN1 CMR RTCM3 RTCM2 ;;
@@ -19,6 +19,7 @@ _corvanectl_words()
         nmea::0) printf '%s\n' GPGGA GPGLL GPGRS GPGSA GPGST GPGSV GPRMC GPVTG GPZDA ;;
         nmea::1) printf '%s\n' 1Hz 5Hz 10Hz once off ;;
         firmware::0) printf '%s\n' upgrade status ;;
+        record::0) printf '%s\n' info convert ;;
         config::0) printf '%s\n' get set unset list ;;
         config:get:1 | config:set:1 | config:unset:1)
             # The section that the command line names, else the one that is meant then.
@@ -40,6 +41,7 @@ _corvanectl_options()
         reference-position:set) printf '%s\n' --geodetic ;;
         reset:*) printf '%s\n' --yes ;;
         firmware:upgrade) printf '%s\n' --no-wait --restart ;;
+        record:convert) printf '%s\n' --force ;;
         config:set) printf '%s\n' --section --file --force ;;
         config:list) printf '%s\n' --section --file --all ;;
         config:*) printf '%s\n' --section --file ;;

@@ -55,6 +55,7 @@ void AddReferencePositionCommand(CLI::App& app, SContext& context);
 void AddActionCommands(CLI::App& app, SContext& context);
 void AddFirmwareCommands(CLI::App& app, SContext& context);
 void AddConfigCommands(CLI::App& app, SContext& context);
+void AddRecordCommands(CLI::App& app, SContext& context);
 void AddCallCommands(CLI::App& app, SContext& context);
 
 } // namespace Ctl

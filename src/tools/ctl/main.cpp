@@ -80,6 +80,7 @@ void AddCommands(CLI::App& app, SContext& context) {
     AddActionCommands(app, context);
     AddFirmwareCommands(app, context);
     AddConfigCommands(app, context);
+    AddRecordCommands(app, context);
     AddCallCommands(app, context);
 }
 
