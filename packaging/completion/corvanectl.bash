@@ -70,7 +70,7 @@ _corvanectl()
                     command=$word
                 else
                     if ((position == 0)) &&
-                        [[ $command =~ ^(reference-position|region|firmware|config)$ ]]; then
+                        [[ $command =~ ^(reference-position|region|firmware|config|record)$ ]]; then
                         subcommand=$word
                     fi
                     ((++position))
@@ -100,7 +100,7 @@ _corvanectl()
         mapfile -t COMPREPLY < <(
             compgen -W "$(_corvanectl_options "$command" "$subcommand")" -- "$cur"
         )
-    elif [[ $command:$subcommand:$position == firmware:upgrade:1 ]]; then
+    elif [[ $command:$subcommand:$position =~ ^(firmware:upgrade:1|record:info:1|record:convert:[12])$ ]]; then
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$cur")
     else
