@@ -5,8 +5,8 @@ usage: make_corpus.py FOLDER
 
 Writes FOLDER/fuzz_framers and FOLDER/fuzz_records: sentences made here, one of each log that is
 decoded, and real ones cut from the captures where those are there (beside the checkout, or in the
-folder that the environment variable CORVANE_CAPTURES names); and FOLDER/fuzz_rpc: what clients of
-the RPC service send, a call of each method among it.
+folder that the environment variable CORVANE_CAPTURES names); FOLDER/fuzz_rpc: what clients of the
+RPC service send, a call of each method among it; and FOLDER/fuzz_gpsd: what clients of gpsd send.
 """
 
 import json
@@ -169,12 +169,32 @@ def rpc_lines():
     yield "long", '{"jsonrpc":"2.0","id":"' + "x" * 4000 + '","method":"DummyFunction"}\n'
 
 
+def gpsd_lines():
+    """What clients of gpsd send: each command, policies, and what is neither."""
+    for command in ("VERSION", "DEVICES", "DEVICE", "WATCH", "POLL", "FOO"):
+        yield command, f"?{command};\n"
+        yield command + "_bare", f"?{command}"
+        yield command + "_argument", f"?{command}={{}};\r\n"
+    policy = {"class": "WATCH", "enable": True, "json": True, "nmea": False, "raw": 2,
+              "scaled": False, "timing": False, "split24": False, "pps": True, "device": "corvane"}
+    yield "policy", f"?WATCH={json.dumps(policy)};?POLL;\n"
+    for name, value in policy.items():
+        yield f"policy_{name}", f"?WATCH={json.dumps({name: value})}"
+        yield f"policy_{name}_wrong", f"?WATCH={json.dumps({name: [value]})};\n"
+    yield "several", "?VERSION;?DEVICES; ?POLL;;?WATCH;\n?FOO;hello;\n"
+    yield "strings", '?WATCH={"device":"}\\"{;"};?WATCH={"a":{"b":"\\u0000\\\\"}};\n'
+    yield "cut", '?WATCH={"json":tr\n?WATCH={\n?WATCH=;?=;?\n'
+    yield "deep", "?WATCH=" + '{"a":' * 500 + "1" + "}" * 500 + ";\n"
+    yield "long", "?" + "x" * 5000 + "\n?VERSION;\n"
+    yield "http", "GET / HTTP/1.1\r\nHost: x\r\n\r\n?POLL;\n"
+
+
 def main():
     if len(sys.argv) != 2:
         sys.exit(__doc__)
     folder = pathlib.Path(sys.argv[1])
     sentences = list(made_sentences()) + list(real_sentences())
-    for name in ("fuzz_framers", "fuzz_records", "fuzz_rpc"):
+    for name in ("fuzz_framers", "fuzz_records", "fuzz_rpc", "fuzz_gpsd"):
         (folder / name).mkdir(parents=True, exist_ok=True)
     for name, sentence in sentences:
         (folder / "fuzz_records" / name).write_bytes(sentence)
@@ -182,6 +202,8 @@ def main():
         (folder / "fuzz_framers" / name).write_bytes(stream + lengths + bytes([flags]))
     for name, lines in rpc_lines():
         (folder / "fuzz_rpc" / name).write_bytes(lines.encode())
+    for name, lines in gpsd_lines():
+        (folder / "fuzz_gpsd" / name).write_bytes(lines.encode())
     print(f"{folder}: {len(sentences)} sentences")
 
 

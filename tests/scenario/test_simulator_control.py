@@ -1,5 +1,6 @@
 """What other programs have the daemon do to the simulated receiver."""
 
+from harness.firmware import firmware
 from harness.rpc_client import RPCClient
 from harness.simulated import Simulated
 from harness.waiting import wait_until
@@ -7,15 +8,6 @@ from harness.waiting import wait_until
 POSITION = "NovatelPositionManager"
 VERSION = "OEM060400RN0000"
 DONE, WELL = 1, 1
-
-
-def firmware(version: str, lines: int) -> bytes:
-    """A file of S-records that a receiver takes."""
-    records = [f"S0~V~{version}"]
-    for number in range(lines):
-        body = bytes([21, *(number * 16).to_bytes(4, "big"), *range(16)])
-        records.append(f"S3{body.hex().upper()}{~sum(body) & 0xFF:02X}")
-    return "".join(f"{each}\r\n" for each in records).encode()
 
 
 class Settings(Simulated):

@@ -1,8 +1,9 @@
 """The whole system without hardware: the daemon finds, configures and steers its receiver."""
 
+from decoder.commands import CONFIGURATION
 from harness.scenario import MAIN, SECOND
 from harness.waiting import wait_until
-from harness.whole import COMMANDS, INTEGER_FIX, WholeSystem
+from harness.whole import INTEGER_FIX, WholeSystem
 
 TO_INTEGER = 30.0  # seconds: the daemon resets the receiver's RTK filter at the start
 
@@ -15,8 +16,9 @@ class FromTheStart(WholeSystem):
             TO_INTEGER)[0]
         self.assertEqual((first["solutionClass"], first["positionQuality"]), (6, 3))
         heard = simulator.heard()
-        self.assertEqual(heard[heard.index("unlogall thisport"):][:COMMANDS][-1],
-                         "LOG RXCONFIGB ONCE")
+        begin = heard.index("unlogall thisport")
+        self.assert_same_lines([each.rstrip() for each in CONFIGURATION],
+                               heard[begin:begin + len(CONFIGURATION)])
         for handler in (MAIN, SECOND):
             collector.wait_for("logger.data", name=handler, seconds=5.0)
 

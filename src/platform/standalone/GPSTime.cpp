@@ -94,6 +94,23 @@ void GPSTime::AsGPSTime(std::uint32_t& week, double& seconds) const {
     seconds = static_cast<double>(m_nanoseconds) / 1e9;
 }
 
+UnixTime GPSTime::AsUnixTime() const {
+    // Some 260 years, which 64 bits of nanoseconds since 1970 hold.
+    constexpr std::int32_t kLastWeek = 13'500;
+    const std::int64_t sinceEpoch =
+        std::min(m_week, kLastWeek) * kNanosecondsPerWeek + m_nanoseconds;
+    // In steps of whole leap seconds, since only UTC tells how many there were.
+    const auto toUTC = [&](std::int64_t leapSeconds) {
+        return Time::FromNanoseconds(sinceEpoch +
+                                     (kGPSEpoch - leapSeconds) * kNanosecondsPerSecond);
+    };
+    auto leapSeconds = static_cast<std::int64_t>(kAfterLeapSecond.size());
+    while (leapSeconds > 0 && LeapSecondsInsertedBy(toUTC(leapSeconds)) < leapSeconds) {
+        --leapSeconds;
+    }
+    return UnixTime(toUTC(leapSeconds));
+}
+
 double GPSTime::SecondsSince(GPSTime earlier) const {
     const std::int64_t weeks = std::int64_t{m_week} - earlier.m_week;
     const std::int64_t nanoseconds = m_nanoseconds - earlier.m_nanoseconds;

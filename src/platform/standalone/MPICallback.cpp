@@ -42,7 +42,6 @@ std::string MPICallbackBase::WhyWrong(const BListC& arguments) const {
     return {};
 }
 
-BAtomC MPICallbackBase::Answer(const BListC& arguments) {
-    std::unique_ptr<BListC> reply = Call(arguments);
+BAtomC MPICallbackBase::ResultOf(std::unique_ptr<BListC> reply) {
     return reply == nullptr ? BAtomC() : BAtomC(std::move(*reply));
 }

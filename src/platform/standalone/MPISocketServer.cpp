@@ -217,12 +217,14 @@ bool MPISocketServerC::Answer(MPISocketConnectionC& caller, std::string_view tex
     using namespace RPCMessage;
     const auto parsed = ReadRequest(text);
     if (const auto* const error = std::get_if<SError>(&parsed)) {
+        RequestRefused();
         answer = RPCMessage::Answer(BAtomC(), *error);
         return true;
     }
     const SRequest& request = std::get<SRequest>(parsed);
     const auto refuse = [&](int code, const std::string& why) {
         ForgetTurns(caller);
+        RequestRefused();
         if (request.id) {
             answer = RPCMessage::Answer(*request.id, SError{code, why});
         }
@@ -233,8 +235,10 @@ bool MPISocketServerC::Answer(MPISocketConnectionC& caller, std::string_view tex
         return refuse(kUnknownMethod, "unknown method: " + request.method);
     }
     MPICallbackBase& callback = *found->second;
-    if (request.hasNamedParams) {
-        return refuse(kInvalidParams, "the arguments of this method are an array");
+    if (request.hasNamedParams != callback.TakesNamedArguments()) {
+        return refuse(kInvalidParams, request.hasNamedParams
+                                          ? "the arguments of this method are an array"
+                                          : "the arguments of this method are an object");
     }
     if (const std::string why = callback.WhyWrong(request.params); !why.empty()) {
         return refuse(kInvalidParams, why);
@@ -247,7 +251,7 @@ bool MPISocketServerC::Answer(MPISocketConnectionC& caller, std::string_view tex
     }
     ForgetTurns(caller);
     m_caller = &caller;
-    const BAtomC result = callback.Answer(request.params);
+    const BAtomC result = callback.Call(request.params);
     m_caller = nullptr;
     if (request.id) {
         answer = RPCMessage::Answer(*request.id, result);

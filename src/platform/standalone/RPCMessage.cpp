@@ -63,8 +63,9 @@ std::variant<SRequest, SError> ToRequest(const BDictionaryC& members) {
         request.params = *params->AsList();
     } else if (params != nullptr && params->AsDictionary() != nullptr) {
         request.hasNamedParams = true;
+        request.params.Add(*params);
     } else if (params != nullptr) {
-        return SError{kInvalidRequest, R"("params" must be an array)"};
+        return SError{kInvalidRequest, R"("params" must be an array or an object)"};
     }
     return request;
 }

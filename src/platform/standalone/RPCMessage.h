@@ -1,4 +1,4 @@
-// The messages of JSON-RPC 2.0 (jsonrpc.org/specification) as a server reads and writes them.
+// The messages of JSON-RPC 2.0 (jsonrpc.org) as a server reads and writes them.
 #pragma once
 
 #include "platform/BAtom.h"
@@ -20,8 +20,8 @@ struct SRequest {
     /// A text, a number or null; none for a notification, which gets no answer.
     std::optional<BAtomC> id;
     std::string method;
+    /// The arguments in their places; or, when they have names, one dictionary of them.
     BListC params;
-    /// Named arguments, which no method takes.
     bool hasNamedParams = false;
 };
 

@@ -1,7 +1,7 @@
 #include "platform/Serial.h"
 
-#include "SerialSettings.h"
 #include "platform/Descriptor.h"
+#include "platform/SerialSettings.h"
 
 #include <algorithm>
 #include <cerrno>

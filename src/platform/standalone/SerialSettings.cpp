@@ -1,4 +1,4 @@
-#include "SerialSettings.h"
+#include "platform/SerialSettings.h"
 
 #include <asm/ioctls.h>
 #include <asm/termbits.h>
@@ -124,6 +124,13 @@ std::string MakeLineRaw(int descriptor, std::int32_t baud) {
 
 std::string ChangeLineSpeed(int descriptor, std::int32_t baud) {
     return Change(descriptor, baud, false);
+}
+
+std::uint32_t LineSpeed(int descriptor) {
+    Settings settings{};
+    return ::ioctl(descriptor, kGetSettings, &settings) == 0
+               ? static_cast<std::uint32_t>(BaudOf(settings))
+               : 0;
 }
 
 } // namespace Core::IO

@@ -88,6 +88,7 @@ bool CServedClient::TakeRequest() {
 
 void CServedClient::BeginBatch(std::string line) {
     if (const auto error = RPCMessage::CheckBatch(line)) {
+        m_server.RequestRefused();
         m_connection.Queue(RPCMessage::Answer(BAtomC(), *error));
         return;
     }
@@ -135,6 +136,7 @@ void CServedClient::EndIfDone() {
 
 /// Closing with unread input would take the answer away from the client before it has read it.
 void CServedClient::Dismiss(const RPCMessage::SError& error) {
+    m_server.RequestRefused();
     m_connection.Queue(RPCMessage::Answer(BAtomC(), error));
     m_state = EState::leaving;
     m_hasWork = false;

@@ -5,6 +5,7 @@
 #include "Progress.h"
 #include "Recording.h"
 #include "platform/LogFileReader.h"
+#include "platform/RecordingWriter.h"
 
 #include <algorithm>
 #include <array>

@@ -4,102 +4,19 @@
 #include "Bytes/CRC32.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <unistd.h>
 #include <vector>
 
 namespace Ctl {
 
 namespace {
 
-constexpr std::uint32_t kMagicNanoseconds = 0xA1B23C4D;
-constexpr std::uint32_t kLinkTypeUser0 = 147;
 constexpr std::string_view kSync("\xAA\x44\x12", 3);
 constexpr std::size_t kHeaderLength = 28;
 constexpr std::size_t kCRCLength = 4;
-/// Of 1980-01-06, the beginning of GPS time.
-constexpr std::int64_t kGPSEpoch = 315'964'800;
-constexpr std::int64_t kSecondsPerWeek = 604'800;
-constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
-constexpr int kMostLeapSeconds = 60;
 /// Of the year 2104: a packet's time stamp ends in 2106.
 constexpr std::uint16_t kLastWeek = 6500;
 
-void AppendWord(std::string& bytes, std::uint32_t value, int size = 4) {
-    for (int i = 0; i < size; ++i) {
-        bytes += static_cast<char>(value >> (8 * i) & 0xFF);
-    }
-}
-
 } // namespace
-
-Core::UnixTime UnixTimeOf(std::uint32_t week, std::uint32_t milliseconds) {
-    const std::int64_t seconds = kGPSEpoch + week * kSecondsPerWeek + milliseconds / 1000;
-    const std::int64_t nanoseconds =
-        seconds * kNanosecondsPerSecond + milliseconds % 1000 * std::int64_t{1'000'000};
-    const Core::GPSTime wanted =
-        Core::GPSTime::FromGPSTime(static_cast<std::int32_t>(week), milliseconds / 1000.0);
-    for (std::int64_t leap = 0; leap < kMostLeapSeconds; ++leap) {
-        const Core::UnixTime time(
-            Core::Time::FromNanoseconds(nanoseconds - leap * kNanosecondsPerSecond));
-        if (Core::GPSTime::FromUnixTime(time) == wanted) {
-            return time;
-        }
-    }
-    return Core::UnixTime(Core::Time::FromNanoseconds(nanoseconds)); // within a leap second
-}
-
-CRecordingWriter::~CRecordingWriter() {
-    if (m_file != nullptr) {
-        m_file.reset();
-        ::unlink(m_partPath.c_str());
-    }
-}
-
-std::string CRecordingWriter::Open(const std::string& path) {
-    m_path = path;
-    m_partPath = path + ".part";
-    m_file.reset(std::fopen(m_partPath.c_str(), "wb"));
-    if (m_file == nullptr) {
-        return m_partPath + ": " + std::strerror(errno);
-    }
-    std::string header;
-    AppendWord(header, kMagicNanoseconds);
-    AppendWord(header, 2, 2); // the version, 2.4
-    AppendWord(header, 4, 2);
-    AppendWord(header, 0);
-    AppendWord(header, 0);
-    AppendWord(header, CBlockSplitter::kMaxBlock);
-    AppendWord(header, kLinkTypeUser0);
-    return Put(header);
-}
-
-std::string CRecordingWriter::Write(Core::UnixTime time, std::string_view block) {
-    const std::int64_t nanoseconds = time.SinceEpoch().AsNanoseconds();
-    std::string packet;
-    AppendWord(packet, static_cast<std::uint32_t>(nanoseconds / kNanosecondsPerSecond));
-    AppendWord(packet, static_cast<std::uint32_t>(nanoseconds % kNanosecondsPerSecond));
-    AppendWord(packet, static_cast<std::uint32_t>(block.size()));
-    AppendWord(packet, static_cast<std::uint32_t>(block.size()));
-    packet += block;
-    return Put(packet);
-}
-
-std::string CRecordingWriter::Put(const std::string& bytes) {
-    return std::fwrite(bytes.data(), 1, bytes.size(), m_file.get()) == bytes.size()
-               ? ""
-               : m_partPath + ": " + std::strerror(errno);
-}
-
-std::string CRecordingWriter::Finish() {
-    if (std::fflush(m_file.get()) != 0 || ::fsync(::fileno(m_file.get())) != 0 ||
-        ::rename(m_partPath.c_str(), m_path.c_str()) != 0) {
-        return m_path + ": " + std::strerror(errno);
-    }
-    m_file.reset();
-    return "";
-}
 
 void CBlockSplitter::Add(std::string_view bytes) {
     m_buffer += bytes;
@@ -155,7 +72,8 @@ void CBlockSplitter::TakeMoment(const SMoment& moment, std::size_t at) {
         m_older = 0;
         return;
     }
-    const Core::UnixTime time = UnixTimeOf(moment.week, moment.milliseconds);
+    const Core::UnixTime time =
+        Core::GPSTime::FromGPSTime(moment.week, moment.milliseconds / 1000.0).AsUnixTime();
     const bool isOlder = m_moment && Core::UnixTime(time.SinceEpoch() + m_shift) < m_time;
     m_older = isOlder ? m_older + 1 : 0;
     if (isOlder && m_older < kManyOlder) {

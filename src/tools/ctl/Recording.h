@@ -1,45 +1,16 @@
-// Makes recordings: the blocks of a capture, each at the moment that its logs tell.
+// Cuts a capture into the blocks of a recording, each at the moment that its logs tell.
 #pragma once
 
+#include "platform/RecordingWriter.h"
 #include "platform/Time.h"
 
 #include <cstdint>
-#include <cstdio>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace Ctl {
-
-/// Writes a classic pcap file of link type USER0 with nanoseconds, beside its place until it is
-/// whole.
-class CRecordingWriter {
-public:
-    CRecordingWriter() = default;
-    /// What was not finished is removed.
-    ~CRecordingWriter();
-    CRecordingWriter(const CRecordingWriter&) = delete;
-    CRecordingWriter& operator=(const CRecordingWriter&) = delete;
-
-    /// Each returns why it cannot be done, the empty text when it is.
-    std::string Open(const std::string& path);
-    std::string Write(Core::UnixTime time, std::string_view block);
-    /// Puts the file, safely on the disk, where it belongs.
-    std::string Finish();
-
-private:
-    struct SCloser {
-        void operator()(std::FILE* file) const { std::fclose(file); }
-    };
-
-    std::string Put(const std::string& bytes);
-
-    std::string m_path;
-    std::string m_partPath;
-    std::unique_ptr<std::FILE, SCloser> m_file;
-};
 
 /// Cuts a capture where the GPS time of its binary logs changes. What is between two logs goes with
 /// the first one, what is before the first log with that. A log that is older than the one before,
@@ -50,7 +21,7 @@ public:
     using Take = std::function<void(Core::UnixTime time, std::string_view block)>;
 
     /// A longer block is cut into several of the same time.
-    static constexpr std::size_t kMaxBlock = std::size_t{64} * 1024;
+    static constexpr std::size_t kMaxBlock = CRecordingWriter::kLongestBlock;
     static constexpr int kManyOlder = 200;
 
     explicit CBlockSplitter(Take take) : m_take(std::move(take)) {}
@@ -79,8 +50,5 @@ private:
     Core::Time m_shift; ///< what times that went back have added
     int m_older = 0;    ///< logs in a row that are older than the block that they are in
 };
-
-/// The moment of GPS time (IS-GPS-200; leap seconds as the platform knows them).
-Core::UnixTime UnixTimeOf(std::uint32_t week, std::uint32_t milliseconds);
 
 } // namespace Ctl

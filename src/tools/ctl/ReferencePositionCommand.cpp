@@ -1,8 +1,8 @@
 // Where the reference station stands: shown, set and cleared.
 
 #include "Commands.h"
-#include "Geodesy.h"
 #include "Values.h"
+#include "platform/Geodesy.h"
 
 #include <cmath>
 #include <memory>
@@ -12,32 +12,39 @@ namespace Ctl {
 
 namespace {
 
+using Core::Maths::Degrees;
+using Core::Maths::DistanceBetween;
+using Core::Maths::Radians;
+using Core::Maths::SGeodetic;
+using Core::Maths::SVector;
+
 /// How far from the Earth's centre an antenna may be, in metres.
 constexpr double kLeastRadius = 6'300'000.0;
 constexpr double kMostRadius = 6'500'000.0;
 /// The daemon keeps degrees with 12 decimals and metres with 4.
 constexpr double kTolerance = 0.01;
 
-std::string Text(const SCartesian& place) {
+std::string Text(const SVector& place) {
     return "X " + FixedText(place.x, 4) + " m, Y " + FixedText(place.y, 4) + " m, Z " +
            FixedText(place.z, 4) + " m";
 }
 
 std::string Text(const SGeodetic& place) {
-    return "latitude " + FixedText(place.latitude, 9) + " deg, longitude " +
-           FixedText(place.longitude, 9) + " deg, height " + FixedText(place.height, 4) + " m";
+    return "latitude " + FixedText(Degrees(place.latitude), 9) + " deg, longitude " +
+           FixedText(Degrees(place.longitude), 9) + " deg, height " + FixedText(place.height, 4) +
+           " m";
 }
 
-TJSON Document(const SCartesian& place, const SGeodetic& geodetic) {
+TJSON Document(const SVector& place, const SGeodetic& geodetic) {
     return {{"reference-position",
              {{"ecef", {{"x", place.x}, {"y", place.y}, {"z", place.z}}},
               {"geodetic",
-               {{"latitude", geodetic.latitude},
-                {"longitude", geodetic.longitude},
+               {{"latitude", Degrees(geodetic.latitude)},
+                {"longitude", Degrees(geodetic.longitude)},
                 {"height", geodetic.height}}}}}};
 }
 
-std::optional<SCartesian> Stored(SContext& context) {
+std::optional<SVector> Stored(SContext& context) {
     constexpr char kMethod[] = "novatel_GetReferencePosition";
     const auto answer = context.daemon.CallForList(kMethod, {}, 3);
     if (!answer) {
@@ -49,15 +56,15 @@ std::optional<SCartesian> Stored(SContext& context) {
             return std::nullopt;
         }
     }
-    return SCartesian{answer->GetDouble(0), answer->GetDouble(1), answer->GetDouble(2)};
+    return SVector{answer->GetDouble(0), answer->GetDouble(1), answer->GetDouble(2)};
 }
 
-void Tell(COutput& output, const SCartesian& place) {
+void Tell(COutput& output, const SVector& place) {
     if (place.x == 0.0 && place.y == 0.0 && place.z == 0.0) {
         output.Tell("no reference position is set", {{"reference-position", nullptr}});
         return;
     }
-    const SGeodetic geodetic = ToGeodetic(place);
+    const SGeodetic geodetic = Core::Maths::ToGeodetic(place);
     output.Tell("ECEF      " + Text(place) + "\ngeodetic  " + Text(geodetic),
                 Document(place, geodetic));
 }
@@ -81,6 +88,12 @@ struct SPlaceArguments {
     double third = 0.0;
 };
 
+SVector PlaceOf(const SPlaceArguments& given) {
+    return given.isGeodetic
+               ? Core::Maths::ToECEF({Radians(given.first), Radians(given.second), given.third})
+               : SVector{given.first, given.second, given.third};
+}
+
 /// Why nothing stands there; empty when something may.
 std::string WhyNoPlace(const SPlaceArguments& given) {
     if (given.isGeodetic) {
@@ -91,10 +104,7 @@ std::string WhyNoPlace(const SPlaceArguments& given) {
             return "a longitude is -180 to 180 degrees, or 0 to 360";
         }
     }
-    const SCartesian place = given.isGeodetic
-                                 ? ToCartesian({given.first, given.second, given.third})
-                                 : SCartesian{given.first, given.second, given.third};
-    const double radius = DistanceBetween(place, {});
+    const double radius = DistanceBetween(PlaceOf(given), {});
     if (radius >= kLeastRadius && radius <= kMostRadius) {
         return "";
     }
@@ -107,9 +117,7 @@ void Set(SContext& context, const SPlaceArguments& given) {
         context.output.Fail(EStatus::usage, why, "Try: corvanectl reference-position set --help");
         return;
     }
-    const SCartesian wanted = given.isGeodetic
-                                  ? ToCartesian({given.first, given.second, given.third})
-                                  : SCartesian{given.first, given.second, given.third};
+    const SVector wanted = PlaceOf(given);
     if (!context.daemon.CallForSuccess("novatel_SetReferencePosition",
                                        BListC().Add(wanted.x).Add(wanted.y).Add(wanted.z))) {
         return;

@@ -1,6 +1,7 @@
 #include "mux/Multiplexer.h"
 
 #include "platform/DebugPrint.h"
+#include "platform/EndSignals.h"
 
 #include <sys/select.h>
 
@@ -40,8 +41,8 @@ bool CMultiplexer::Start() {
     return true;
 }
 
-void CMultiplexer::Run(const volatile std::sig_atomic_t& shallEnd, const sigset_t& blocked) {
-    while (shallEnd == 0) {
+void CMultiplexer::Run(const sigset_t& blocked) {
+    while (!Core::Utilities::IsAskedToEnd()) {
         Pass(blocked);
     }
     for (const auto& port : m_ports) {

@@ -16,9 +16,9 @@ public:
 
     /// False when not one port can be served; the others are tried again while it runs.
     bool Start();
-    /// Serves until `shallEnd`; only while it waits are signals let through that are not in
-    /// `blocked`.
-    void Run(const volatile std::sig_atomic_t& shallEnd, const sigset_t& blocked);
+    /// Serves until the program is asked to end; only while it waits are signals let through that
+    /// are not in `blocked`.
+    void Run(const sigset_t& blocked);
 
 private:
     void Pass(const sigset_t& blocked);

@@ -11,7 +11,7 @@ namespace {
 
 using EType = MPICallbackBase::EType;
 using ECost = MPICallbackBase::ECost;
-using TCallback = MPICallback<CPortServer>;
+using TCallback = MPICallback<CPortServer, BAtomC>;
 
 /// As a double where it does not fit an integer of the wire.
 BAtomC Count(std::uint64_t value) {
@@ -53,19 +53,19 @@ bool CPortServer::IsFree(const std::string& device, const CPort& forPort) const 
            });
 }
 
-std::unique_ptr<BListC> CPortServer::GetPortDump(const BListC&) {
-    auto dump = std::make_unique<BListC>();
+BAtomC CPortServer::GetPortDump(const BListC&) {
+    BListC dump;
     for (const auto& port : m_ports) {
         const CLine& line = port->Line();
-        dump->Add(BListC()
-                      .AddInt(port->Number())
-                      .AddString(port->Name())
-                      .AddString(line.Device())
-                      .AddInt(line.BaudRate())
-                      .AddInt(line.IsOpen() ? 1 : 0)
-                      .AddInt(static_cast<std::int32_t>(port->ClientCount()))
-                      .Add(Count(line.BytesIn()))
-                      .Add(Count(line.BytesOut())));
+        dump.Add(BListC()
+                     .AddInt(port->Number())
+                     .AddString(port->Name())
+                     .AddString(line.Device())
+                     .AddInt(line.BaudRate())
+                     .AddInt(line.IsOpen() ? 1 : 0)
+                     .AddInt(static_cast<std::int32_t>(port->ClientCount()))
+                     .Add(Count(line.BytesIn()))
+                     .Add(Count(line.BytesOut())));
     }
     return dump;
 }

@@ -18,7 +18,7 @@ public:
     CPortServer(SocketCollectionC& sockets, TPorts& ports);
 
 private:
-    std::unique_ptr<BListC> GetPortDump(const BListC& arguments);
+    BAtomC GetPortDump(const BListC& arguments);
     BAtomC GetPortMapping(const BListC& arguments);
     BAtomC SetPortMapping(const BListC& arguments);
     BAtomC GetPortConfig(const BListC& arguments);

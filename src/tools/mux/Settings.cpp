@@ -2,7 +2,7 @@
 
 #include "mux/DeviceName.h"
 #include "mux/Numbers.h"
-#include "mux/PortNames.h"
+#include "platform/QuentaNames.h"
 
 #include <arpa/inet.h>
 #include <charconv>
@@ -98,7 +98,7 @@ std::string CombinePorts(const SGivenSettings& file, const SGivenSettings& comma
             return where + device + " is the device of port " + std::to_string(user->second) +
                    " already";
         }
-        settings.ports.push_back({number, said.name.value_or(std::string(NameOfPort(number))),
+        settings.ports.push_back({number, said.name.value_or(std::string(QuentaPortName(number))),
                                   device, said.baud.value_or(kDefaultBaud)});
     }
     return {};

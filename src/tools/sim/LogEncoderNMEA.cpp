@@ -1,7 +1,7 @@
 // NMEA 0183 sentences of the best solution, with the talker GP as the receiver's factory setting
 // has it.
 #include "DilutionOfPrecision.h"
-#include "Geodesy.h"
+#include "LocalFrame.h"
 #include "LogBodies.h"
 #include "UTC.h"
 
@@ -48,7 +48,7 @@ struct SFix {
           isValid(solution.status == 0 && solution.type != 0),
           utc(UTCOf(state.time)) {
         if (isValid) {
-            place = ToGeodetic({solution.x, solution.y, solution.z});
+            place = Core::Maths::ToGeodetic({solution.x, solution.y, solution.z});
             dilution = DilutionOf(state.satellites);
         }
     }

@@ -1,6 +1,6 @@
 // Solutions, dilutions of precision, the reference station and time.
 #include "DilutionOfPrecision.h"
-#include "Geodesy.h"
+#include "LocalFrame.h"
 #include "LogBodies.h"
 #include "SatelliteSignals.h"
 #include "UTC.h"
@@ -82,7 +82,7 @@ SGeodeticFields GeodeticFieldsOf(const SSolution& solution, double undulation) {
     if (solution.type == kNoType) {
         return {};
     }
-    const SGeodetic place = ToGeodetic({solution.x, solution.y, solution.z});
+    const SGeodetic place = Core::Maths::ToGeodetic({solution.x, solution.y, solution.z});
     const double x = solution.deviationX;
     const double y = solution.deviationY;
     const double z = solution.deviationZ;

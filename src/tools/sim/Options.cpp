@@ -178,10 +178,14 @@ void AddPortOptions(CLI::App& app, SOptions& options, STexts& texts) {
         ->check(CLI::Validator(WrongSpeed, ""))
         ->group("Ports")
         ->capture_default_str();
-    app.add_option("--write", options.captureFile,
-                   "Write what COM1 says to this file, at once, instead of making ports; - is "
-                   "standard output")
-        ->type_name("FILE")
+    auto* file = app.add_option("--write", options.captureFile,
+                                "Write what COM1 says to this file, at once, instead of making "
+                                "ports; - is standard output");
+    file->type_name("FILE")->group("Capture");
+    app.add_option("--capture", options.captureFolder,
+                   "Keep what goes out on each port, with its faults, in a file of its name here")
+        ->type_name("FOLDER")
+        ->excludes(file)
         ->group("Capture");
 }
 

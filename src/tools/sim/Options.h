@@ -17,8 +17,9 @@ struct SOptions {
     double speed = 1.0; ///< of the receiver's clock
     std::string folder = "/tmp/corvane-sim";
     std::vector<EPort> ports = {kPorts.begin(), kPorts.end()};
-    std::string captureFile;                 ///< empty for ports
-    std::optional<Milliseconds> duration;    ///< of the receiver's clock; without end by default
+    std::string captureFile;              ///< empty for ports
+    std::string captureFolder;            ///< what the ports say is also kept there; may be empty
+    std::optional<Milliseconds> duration; ///< of the receiver's clock; without end by default
     std::optional<std::string> commandsFile; ///< given to COM1 at the start
     int verbosity = 1;                       ///< 0 errors, 1 what is there, 2 what happens
 };

@@ -1,7 +1,7 @@
 // The satellites' orbits: circles of round numbers, of GPS, GLONASS and the SBAS ones.
 #pragma once
 
-#include "Geodesy.h"
+#include "LocalFrame.h"
 #include "World.h"
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "PortLink.h"
 
-#include "LineSpeed.h"
+#include "platform/SerialSettings.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -50,7 +50,7 @@ std::string CPortLink::MakeDevice(std::uint32_t baud) {
     if (terminal < 0) {
         return ErrorText();
     }
-    std::string reason = MakeRaw(terminal, baud) ? "" : ErrorText();
+    std::string reason = Core::IO::MakeLineRaw(terminal, static_cast<std::int32_t>(baud));
     ::close(terminal);
     return reason;
 }
@@ -97,7 +97,7 @@ void CPortLink::DropUnread() {
 }
 
 std::uint32_t CPortLink::Speed() const {
-    return LineSpeed(m_master);
+    return Core::IO::LineSpeed(m_master);
 }
 
 std::string CPortLink::Read() {

@@ -106,7 +106,7 @@ double LockTime(const SOrbit& orbit, std::int64_t milliseconds, const SReceiverM
 
 std::vector<SSatellite> SatellitesAt(std::uint64_t seed, std::int64_t milliseconds,
                                      const SReceiverMotion& receiver, const Track::SSky& sky) {
-    const CLocalFrame frame(ToGeodetic(receiver.position));
+    const CLocalFrame frame(Core::Maths::ToGeodetic(receiver.position));
     std::vector<SSatellite> satellites;
     std::vector<const SOrbit*> orbits;
     for (const SOrbit& orbit : Constellation()) {

@@ -1,7 +1,7 @@
 // The satellites above the vehicle's horizon and how strongly they are received.
 #pragma once
 
-#include "Geodesy.h"
+#include "LocalFrame.h"
 #include "Track.h"
 #include "World.h"
 

@@ -1,5 +1,6 @@
 #include "Simulation.h"
 
+#include "platform/EndSignals.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -25,27 +26,6 @@ constexpr Core::Time kTellingPeriod = Core::Time::FromMilliseconds(1000);
 /// Of real time. What is later than this is not made up for: the machine has been asleep.
 constexpr double kLongestLag = 2.0;
 constexpr std::size_t kMostNoise = 4096;
-
-volatile std::sig_atomic_t g_isEnding = 0;
-
-void End(int) {
-    g_isEnding = 1;
-}
-
-/// These are taken only inside the wait, so that none comes between the look and the sleep.
-sigset_t TakeSignals() {
-    sigset_t blocked;
-    sigset_t usual;
-    sigemptyset(&blocked);
-    struct sigaction action {};
-    action.sa_handler = End;
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-        ::sigaction(number, &action, nullptr);
-        sigaddset(&blocked, number);
-    }
-    ::sigprocmask(SIG_BLOCK, &blocked, &usual);
-    return usual;
-}
 
 timespec AsTimespec(Core::Time span) {
     constexpr std::int64_t kSecond = 1'000'000'000;
@@ -114,22 +94,36 @@ bool CSimulation::MakePorts() {
         return false;
     }
     for (const EPort port : m_options.ports) {
-        const std::string link = m_options.folder + "/" + LinkName(port);
-        m_ports.push_back(std::make_unique<SPort>(port));
-        const std::string reason = m_ports.back()->link.Open(link, m_receiver.Baud(port));
-        if (!reason.empty()) {
-            return Fail(link, reason);
-        }
-        if (m_options.verbosity > 0) {
-            std::printf("%s\n", link.c_str());
+        if (!MakePort(port)) {
+            return false;
         }
     }
     std::fflush(stdout);
     return true;
 }
 
+bool CSimulation::MakePort(EPort which) {
+    SPort& port = *m_ports.emplace_back(std::make_unique<SPort>(which));
+    if (!m_options.captureFolder.empty()) {
+        const std::string file = m_options.captureFolder + "/" + LinkName(which);
+        const std::string reason = port.capture.Open(file);
+        if (!reason.empty()) {
+            return Fail(file, reason);
+        }
+    }
+    const std::string link = m_options.folder + "/" + LinkName(which);
+    const std::string reason = port.link.Open(link, m_receiver.Baud(which));
+    if (!reason.empty()) {
+        return Fail(link, reason);
+    }
+    if (m_options.verbosity > 0) {
+        std::printf("%s\n", link.c_str());
+    }
+    return true;
+}
+
 int CSimulation::Run(const std::vector<std::string>& commands) {
-    m_usualSignals = TakeSignals();
+    m_usualSignals = Core::Utilities::CatchEndSignals();
     if (!MakePorts()) {
         return 1;
     }
@@ -139,7 +133,7 @@ int CSimulation::Run(const std::vector<std::string>& commands) {
         m_receiver.Hear(EPort::com1, command + "\r\n", start);
     }
     const Milliseconds end = m_options.duration ? start + *m_options.duration : kNever;
-    while (g_isEnding == 0 && Now() < end) {
+    while (!Core::Utilities::IsAskedToEnd() && Now() < end) {
         Serve(std::min(Now(), end));
         if (!Wait()) {
             return 1;
@@ -220,17 +214,19 @@ void CSimulation::Say(const SUtterance& utterance) {
         Tell(**port, isAtSpeed ? ">" : "> (as noise)",
              {reinterpret_cast<const char*>(utterance.bytes.data()), utterance.bytes.size()});
     }
-    bool isTaken = false;
-    if (isAtSpeed) {
-        isTaken = (*port)->link.Write(utterance.bytes);
-    } else {
-        // A faster reader sees several bytes in one, a slower one the reverse.
-        const double ratio = static_cast<double>((*port)->link.Speed()) / utterance.baud;
-        const auto count = static_cast<double>(utterance.bytes.size()) * ratio;
-        isTaken = (*port)->link.Write(Noise(
-            m_noise, std::clamp<std::size_t>(static_cast<std::size_t>(count), 1, kMostNoise)));
+    const Bytes bytes = isAtSpeed ? utterance.bytes : AsReadAtOtherSpeed(**port, utterance);
+    if (!(*port)->link.Write(bytes)) {
+        ++(*port)->lostLogs;
+    } else if (!(*port)->capture.Add(bytes)) {
+        Fail(m_options.captureFolder + "/" + LinkName(utterance.port), std::strerror(errno));
     }
-    (*port)->lostLogs += isTaken ? 0 : 1;
+}
+
+/// A faster reader sees several bytes in one, a slower one the reverse.
+Bytes CSimulation::AsReadAtOtherSpeed(const SPort& port, const SUtterance& utterance) {
+    const double ratio = static_cast<double>(port.link.Speed()) / utterance.baud;
+    const auto count = static_cast<double>(utterance.bytes.size()) * ratio;
+    return Noise(m_noise, std::clamp<std::size_t>(static_cast<std::size_t>(count), 1, kMostNoise));
 }
 
 /// Sleeps until something is to be done. False when that is impossible.

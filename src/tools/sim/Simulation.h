@@ -1,6 +1,7 @@
 // The receiver in real time, with a device for each of its ports.
 #pragma once
 
+#include "LineCapture.h"
 #include "Options.h"
 #include "PortLink.h"
 
@@ -30,12 +31,14 @@ private:
 
         EPort port;
         CPortLink link;
+        CLineCapture capture;
         std::uint64_t lostLogs = 0;
         std::uint64_t toldLogs = 0; ///< of these
         std::uint32_t toldSpeed = 0;
     };
 
     bool MakePorts();
+    bool MakePort(EPort which);
     bool ClaimFolder();
     void Serve(Milliseconds now);
     void Listen(SPort& port, Milliseconds now);
@@ -43,6 +46,7 @@ private:
     Milliseconds Now() const;
     Core::Time TimeUntil(Milliseconds moment) const;
     bool IsAtSpeed(SPort& port, std::uint32_t baud);
+    Bytes AsReadAtOtherSpeed(const SPort& port, const SUtterance& utterance);
     void TellLosses();
     void Tell(const SPort& port, const char* arrow, std::string_view text) const;
 

@@ -1,7 +1,7 @@
 // What the receiver computes of the truth: kinds of solution over time, and their errors.
 #pragma once
 
-#include "Geodesy.h"
+#include "LocalFrame.h"
 #include "Track.h"
 #include "World.h"
 

@@ -1,7 +1,7 @@
 // The vehicle's way: four rows of a field and the headland back, over and over, past a bridge.
 #pragma once
 
-#include "Geodesy.h"
+#include "LocalFrame.h"
 
 #include <cstdint>
 

@@ -1,6 +1,6 @@
 #include "World.h"
 
-#include "Geodesy.h"
+#include "LocalFrame.h"
 #include "Moment.h"
 #include "Noise.h"
 #include "SatelliteSignals.h"
@@ -36,7 +36,7 @@ struct SField {
     CLocalFrame frame{origin};
 
     SVector Place(const SVector& local) const {
-        return ToECEF(origin) + frame.ToECEFDirection(local);
+        return Core::Maths::ToECEF(origin) + frame.ToECEFDirection(local);
     }
 };
 

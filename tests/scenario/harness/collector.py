@@ -76,10 +76,13 @@ class Collector:
         except (ValueError, AttributeError, TypeError) as error:
             self.malformed.append(str(error))
             return
-        with self._lock:
-            self._messages.append(message)
+        self._keep(message)
         if "Category" in message.method:
             connection.send(self._answer(json.loads(line)["id"], message))
+
+    def _keep(self, message: Message) -> None:
+        with self._lock:
+            self._messages.append(message)
 
     def _answer(self, identifier, message: Message) -> bytes:
         category = message["category"]

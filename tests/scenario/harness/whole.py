@@ -18,7 +18,6 @@ INTEGER_START = "2370,302480"  # the RTK solution is an integer one for the next
 INTEGER_FIX = 4  # the published fixQuality of a narrow-lane integer solution
 TO_FIRST_POSITION = 15.0  # seconds, with the breakout
 ATTEMPTS = 3
-COMMANDS = 61
 
 
 class WholeSystem(Muxed):

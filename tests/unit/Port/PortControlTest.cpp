@@ -116,8 +116,15 @@ TEST_F(PortControl, breaks_out_before_it_counts_the_initialisation) {
     breakout.SetBaudRate(115200);
     m_handler.SetBreakoutController(&breakout);
     m_handler.SetCommandManager(nullptr);
+    static const CPublished* published = nullptr;
+    static int countedAtPauses = 0;
+    published = &m_published;
+    countedAtPauses = 0; // when the tests are repeated
+    m_clock.AtPause([] { countedAtPauses += published->Count("receiver_initialisations"); });
     EXPECT_TRUE(m_handler.Start());
     EXPECT_EQ(m_source.texts.back(), "log comconfig\r\n");
+    EXPECT_FALSE(m_clock.Pauses().empty());
+    EXPECT_EQ(countedAtPauses, 0);
     EXPECT_EQ(Status("receiver_initialisations"), Texts{"1"});
 }
 

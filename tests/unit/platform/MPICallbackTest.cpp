@@ -48,7 +48,9 @@ TEST(MPICallback, calls_the_operation_of_its_object) {
     MPICallback<CCounter> callback("Add", {}, MPICallbackBase::ECost::light, counter,
                                    &CCounter::Add);
     callback.Call(BListC().AddInt(3));
-    EXPECT_EQ(callback.Call(BListC().AddInt(4))->GetInt(0), 7);
+    const BAtomC sum = callback.Call(BListC().AddInt(4));
+    ASSERT_NE(sum.AsList(), nullptr);
+    EXPECT_EQ(sum.AsList()->GetInt(0), 7);
 }
 
 TEST(MPICallback, asks_its_object_why_it_cannot_be_called_now) {

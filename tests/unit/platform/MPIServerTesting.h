@@ -153,7 +153,7 @@ public:
                 std::vector<SArgument> arguments = {})
         : MPICallbackBase(name, std::move(arguments), cost), m_function(std::move(function)) {}
 
-    std::unique_ptr<BListC> Call(const BListC& arguments) override { return m_function(arguments); }
+    BAtomC Call(const BListC& arguments) override { return ResultOf(m_function(arguments)); }
     std::string WhyNotNow() const override { return whyNotNow; }
 
     std::string whyNotNow;

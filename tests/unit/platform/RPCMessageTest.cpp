@@ -81,7 +81,11 @@ TEST(RPCMessage, reads_a_request_without_an_id_as_a_notification) {
 TEST(RPCMessage, marks_named_arguments) {
     const SRequest request = Read(R"({"jsonrpc":"2.0","method":"m","params":{"a":1}})");
     EXPECT_TRUE(request.hasNamedParams);
-    EXPECT_EQ(request.params.Size(), 0U);
+    ASSERT_EQ(request.params.Size(), 1U);
+    const BDictionaryC* const named = request.params.At(0).AsDictionary();
+    ASSERT_NE(named, nullptr);
+    ASSERT_NE(named->Find("a"), nullptr);
+    EXPECT_EQ(named->Find("a")->AsInteger(), 1);
 }
 
 TEST(RPCMessage, gives_every_kind_of_id_back_as_it_was) {
@@ -112,9 +116,12 @@ TEST(RPCMessage, refuses_what_is_no_request) {
         {R"({"jsonrpc":"2.0","id":1})", R"("method" must be a text)"},
         {R"({"jsonrpc":"2.0","method":5,"id":1})", R"("method" must be a text)"},
         {R"({"jsonrpc":"2.0","method":null})", R"("method" must be a text)"},
-        {R"({"jsonrpc":"2.0","method":"m","params":5})", R"("params" must be an array)"},
-        {R"({"jsonrpc":"2.0","method":"m","params":"x"})", R"("params" must be an array)"},
-        {R"({"jsonrpc":"2.0","method":"m","params":null})", R"("params" must be an array)"},
+        {R"({"jsonrpc":"2.0","method":"m","params":5})",
+         R"("params" must be an array or an object)"},
+        {R"({"jsonrpc":"2.0","method":"m","params":"x"})",
+         R"("params" must be an array or an object)"},
+        {R"({"jsonrpc":"2.0","method":"m","params":null})",
+         R"("params" must be an array or an object)"},
     };
     for (const auto& [text, why] : kTexts) {
         EXPECT_EQ(WhyNoRequest(text), "-32600: " + std::string(why)) << text;

@@ -1,7 +1,7 @@
 #include "IO/QuentaHandler.h"
 
-#include "IO/QuentaNames.h"
 #include "platform/DebugPrint.h"
+#include "platform/QuentaNames.h"
 #include "platform/Text.h"
 
 #include <algorithm>

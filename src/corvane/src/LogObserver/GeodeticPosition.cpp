@@ -1,11 +1,11 @@
 #include "LogObserver/GeodeticPosition.h"
 
-#include "platform/Maths.h"
+#include "platform/Geodesy.h"
 
 #include <cmath>
 
 SGeodeticPosition SGeodeticPosition::FromECEF(double x, double y, double z) {
-    using WGS84 = Core::Maths::Math<double>;
+    using Core::Maths::WGS84;
     const double p = std::sqrt(x * x + y * y);
     const double theta = std::atan2(WGS84::WGS_A * z, p * WGS84::WGS_B);
     const double sine = std::sin(theta);
@@ -21,13 +21,4 @@ SGeodeticPosition SGeodeticPosition::FromECEF(double x, double y, double z) {
         position.height = p / std::cos(position.latitude) - WGS84::WGS_A / std::sqrt(square);
     }
     return position;
-}
-
-void SGeodeticPosition::ToECEF(double& x, double& y, double& z) const {
-    using WGS84 = Core::Maths::Math<double>;
-    const double sine = std::sin(latitude);
-    const double n = WGS84::WGS_A / std::sqrt(1.0 - WGS84::WGS_E2 * sine * sine);
-    x = (n + height) * std::cos(latitude) * std::cos(longitude);
-    y = (n + height) * std::cos(latitude) * std::sin(longitude);
-    z = (n * (1.0 - WGS84::WGS_E2) + height) * sine;
 }

@@ -11,7 +11,4 @@ struct SGeodeticPosition {
     /// coordinates", Survey Review 181, 1976); metres. Its errors are given in
     /// docs/published.md. Coordinates that are no numbers give results that are none.
     static SGeodeticPosition FromECEF(double x, double y, double z);
-
-    /// Exact but for rounding; metres.
-    void ToECEF(double& x, double& y, double& z) const;
 };

@@ -30,6 +30,10 @@ public:
     const std::string& Name() const { return m_name; }
     ECost Cost() const { return m_cost; }
 
+    /// Whether its arguments have names, not places. The list of arguments below is then a single
+    /// dictionary.
+    virtual bool TakesNamedArguments() const { return false; }
+
     /// What is wrong with the arguments of a call; empty when they are those that it needs. More
     /// arguments than it needs are no fault.
     virtual std::string WhyWrong(const BListC& arguments) const;
@@ -37,12 +41,13 @@ public:
     /// Why it cannot be called now; empty when it can.
     virtual std::string WhyNotNow() const { return {}; }
 
-    /// The reply; none for a procedure that returns nothing.
-    virtual std::unique_ptr<BListC> Call(const BListC& arguments) = 0;
+    /// Makes the call and gives what is written as its result: nothing for a procedure that returns
+    /// nothing.
+    virtual BAtomC Call(const BListC& arguments) = 0;
 
-    /// Makes the call and gives what is written as its result: the reply as a list, nothing without
-    /// one. Procedures that answer a single value give that.
-    virtual BAtomC Answer(const BListC& arguments);
+protected:
+    static BAtomC ResultOf(BAtomC value) { return value; }
+    static BAtomC ResultOf(std::unique_ptr<BListC> reply);
 
 private:
     std::string m_name;
@@ -50,13 +55,12 @@ private:
     ECost m_cost;
 };
 
-/// A procedure that is an operation of an object, which outlives it.
-template <class T>
+/// A procedure that is an operation of an object, which outlives it. The operation returns a list,
+/// which may be missing, or a single value.
+template <class T, class TResult = std::unique_ptr<BListC>>
 class MPICallback : public MPICallbackBase {
 public:
-    using Operation = std::unique_ptr<BListC> (T::*)(const BListC&);
-    /// Of a procedure that answers a single value, not a list.
-    using ValueOperation = BAtomC (T::*)(const BListC&);
+    using Operation = TResult (T::*)(const BListC&);
     using Check = std::string (T::*)() const;
     using ArgumentCheck = std::string (T::*)(const BListC&) const;
 
@@ -69,15 +73,6 @@ public:
           m_whyNotNow(whyNotNow),
           m_whyWrong(whyWrong) {}
 
-    MPICallback(std::string name, std::vector<SArgument> arguments, ECost cost, T& object,
-                ValueOperation operation, Check whyNotNow = nullptr,
-                ArgumentCheck whyWrong = nullptr)
-        : MPICallbackBase(std::move(name), std::move(arguments), cost),
-          m_object(object),
-          m_valueOperation(operation),
-          m_whyNotNow(whyNotNow),
-          m_whyWrong(whyWrong) {}
-
     std::string WhyWrong(const BListC& arguments) const override {
         const std::string why = MPICallbackBase::WhyWrong(arguments);
         return !why.empty() || m_whyWrong == nullptr ? why : (m_object.*m_whyWrong)(arguments);
@@ -86,20 +81,14 @@ public:
     std::string WhyNotNow() const override {
         return m_whyNotNow == nullptr ? std::string() : (m_object.*m_whyNotNow)();
     }
-    /// A single value is given as a list of one.
-    std::unique_ptr<BListC> Call(const BListC& arguments) override {
-        return m_operation == nullptr ? std::make_unique<BListC>(BListC().Add(Answer(arguments)))
-                                      : (m_object.*m_operation)(arguments);
-    }
-    BAtomC Answer(const BListC& arguments) override {
-        return m_valueOperation == nullptr ? MPICallbackBase::Answer(arguments)
-                                           : (m_object.*m_valueOperation)(arguments);
+
+    BAtomC Call(const BListC& arguments) override {
+        return ResultOf((m_object.*m_operation)(arguments));
     }
 
 private:
     T& m_object;
-    Operation m_operation = nullptr; ///< one of the two
-    ValueOperation m_valueOperation = nullptr;
+    Operation m_operation;
     Check m_whyNotNow;
     ArgumentCheck m_whyWrong;
 };

@@ -75,9 +75,12 @@ public:
     /// that hold most. To be called whenever a client may hold more than before.
     void LimitMemory();
 
+    /// A request was wrong, or no request at all: nothing was done for it.
+    virtual void RequestRefused() {}
+
     /// Answers one request, or one element of a batch; empty when it wants no answer. Nothing is
     /// done, and false returned, when it must wait for a later pass.
-    bool Answer(MPISocketConnectionC& caller, std::string_view request, std::string& answer);
+    bool Answer(MPISocketConnectionC& caller, std::string_view text, std::string& answer);
 
 protected:
     /// Whose call is being made; null outside of calls.

@@ -101,6 +101,9 @@ public:
     /// Writes the week and the seconds of week, from 0 to below 604800.
     void AsGPSTime(std::uint32_t& week, double& seconds) const;
 
+    /// The moment whose GPS time this is; of the two within a leap second, the later one.
+    UnixTime AsUnixTime() const;
+
     constexpr auto operator<=>(const GPSTime&) const = default;
     /// As a double, which holds every span that weeks can be apart; negative for a later one.
     double SecondsSince(GPSTime earlier) const;

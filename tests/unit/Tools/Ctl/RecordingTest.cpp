@@ -1,10 +1,7 @@
 #include "ctl/Recording.h"
 
 #include "Support/LogSentences.h"
-#include "Support/TemporaryFolder.h"
-#include "platform/LogFileReader.h"
 
-#include <fstream>
 #include <gtest/gtest.h>
 #include <string>
 #include <utility>
@@ -13,7 +10,6 @@
 namespace {
 
 using Ctl::CBlockSplitter;
-using Ctl::CRecordingWriter;
 using Block = std::pair<std::string, std::string>; ///< seconds since the first block, bytes
 using Blocks = std::vector<Block>;
 
@@ -96,51 +92,12 @@ TEST(BlockSplitter, cuts_a_long_block_into_several_of_the_same_time) {
     }
 }
 
-TEST(UnixTimeOf, takes_the_leap_seconds_of_its_day) {
-    // 2017-01-01 00:00:00 UTC is GPS week 1930, second 18 of its first day; before, 17 were in.
-    EXPECT_EQ(Ctl::UnixTimeOf(1930, 18'000).AsSeconds(), 1483228800.0);
-    EXPECT_EQ(Ctl::UnixTimeOf(1930, 16'000).AsSeconds(), 1483228799.0);
-    EXPECT_EQ(Ctl::UnixTimeOf(0, 0).AsSeconds(), 315964800.0);
-    EXPECT_EQ(Ctl::UnixTimeOf(2370, 302'400'250).AsSeconds(), 1749643182.25);
-}
-
-TEST(RecordingWriter, makes_what_the_reader_reads) {
-    const CTemporaryFolder folder;
-    const std::string path = folder.Path("recording.pcap");
-    CRecordingWriter writer;
-    ASSERT_EQ(writer.Open(path), "");
-    const Core::UnixTime time(Core::Time::FromNanoseconds(1'700'000'000'123'000'000));
-    EXPECT_EQ(writer.Write(time, "first"), "");
-    EXPECT_EQ(writer.Write(time, std::string(2, '\0')), "");
-    ASSERT_EQ(writer.Finish(), "");
-
-    CLogFileReader reader(path);
-    double seconds = 0.0;
-    std::string data;
-    ASSERT_TRUE(reader.GetNextBinary(seconds, data));
-    EXPECT_DOUBLE_EQ(seconds, 1700000000.123);
-    EXPECT_EQ(data, "first");
-    ASSERT_TRUE(reader.GetNextBinary(seconds, data));
-    EXPECT_EQ(data, std::string(2, '\0'));
-    EXPECT_FALSE(reader.GetNextBinary(seconds, data));
-}
-
-TEST(RecordingWriter, leaves_what_was_there_until_it_is_whole) {
-    const CTemporaryFolder folder;
-    const std::string path = folder.Write("recording.pcap", "old");
-    {
-        CRecordingWriter writer;
-        ASSERT_EQ(writer.Open(path), "");
-        ASSERT_EQ(writer.Write(Core::UnixTime(), "new"), "");
-    }
-    std::string content;
-    std::getline(std::ifstream(path), content);
-    EXPECT_EQ(content, "old");
-    EXPECT_FALSE(std::ifstream(path + ".part").is_open());
-}
-
-TEST(RecordingWriter, says_why_it_cannot_begin) {
-    CRecordingWriter writer;
-    EXPECT_EQ(writer.Open("/nowhere/recording"),
-              "/nowhere/recording.part: No such file or directory");
+TEST(BlockSplitter, tells_the_utc_of_the_receivers_time) {
+    std::vector<double> times;
+    CBlockSplitter splitter(
+        [&](Core::UnixTime time, std::string_view) { times.push_back(time.AsSeconds()); });
+    splitter.Add(Log(1000) + Log(2250));
+    ASSERT_TRUE(splitter.Finish());
+    // Week 1800 began on 2014-07-06, 16 leap seconds ahead of UTC.
+    EXPECT_EQ(times, (std::vector<double>{1404604785.0, 1404604786.25}));
 }

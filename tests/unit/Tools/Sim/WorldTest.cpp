@@ -92,7 +92,7 @@ TEST(World, goes_on_without_a_jump_when_the_week_ends) {
 
 TEST(World, stands_in_open_country_in_france) {
     const SState state = At(kSomeDay);
-    const Sim::SGeodetic place = Sim::ToGeodetic(Position(state));
+    const Sim::SGeodetic place = Core::Maths::ToGeodetic(Position(state));
     EXPECT_NEAR(DegreesOf(place.latitude), 48.15, 0.01);
     EXPECT_NEAR(DegreesOf(place.longitude), 1.75, 0.01);
     EXPECT_NEAR(place.height, 184.0, 2.0);

@@ -1,7 +1,7 @@
 // What the tests of the simulated world share: moments, and geometry of their own.
 #pragma once
 
-#include "sim/Geodesy.h"
+#include "sim/LocalFrame.h"
 #include "sim/World.h"
 
 #include <cmath>

@@ -1,17 +1,10 @@
-#include "Geodesy.h"
-
-#include "platform/Maths.h"
+#include "LocalFrame.h"
 
 #include <cmath>
 
 namespace Sim {
 
 namespace {
-
-using WGS84 = Core::Maths::Math<double>;
-
-/// One is enough near the surface; two leave nothing but rounding.
-constexpr int kIterations = 2;
 
 SVector Squares(const SVector& a) {
     return {a.x * a.x, a.y * a.y, a.z * a.z};
@@ -25,31 +18,6 @@ double Dot(const SVector& a, const SVector& b) {
 
 double Length(const SVector& a) {
     return std::sqrt(Dot(a, a));
-}
-
-SVector ToECEF(const SGeodetic& place) {
-    const double sine = std::sin(place.latitude);
-    const double normal = WGS84::WGS_A / std::sqrt(1.0 - WGS84::WGS_E2 * sine * sine);
-    const double p = (normal + place.height) * std::cos(place.latitude);
-    return {p * std::cos(place.longitude), p * std::sin(place.longitude),
-            (normal * (1.0 - WGS84::WGS_E2) + place.height) * sine};
-}
-
-SGeodetic ToGeodetic(const SVector& place) {
-    const double p = std::hypot(place.x, place.y);
-    double reduced = std::atan2(WGS84::WGS_A * place.z, WGS84::WGS_B * p);
-    double latitude = 0.0;
-    for (int i = 0; i < kIterations; ++i) {
-        const double sine = std::sin(reduced);
-        const double cosine = std::cos(reduced);
-        latitude = std::atan2(place.z + WGS84::WGS_ES2 * WGS84::WGS_B * sine * sine * sine,
-                              p - WGS84::WGS_E2 * WGS84::WGS_A * cosine * cosine * cosine);
-        reduced = std::atan2((1.0 - WGS84::WGS_F) * std::sin(latitude), std::cos(latitude));
-    }
-    const double sine = std::sin(latitude);
-    const double height = p * std::cos(latitude) + place.z * sine -
-                          WGS84::WGS_A * std::sqrt(1.0 - WGS84::WGS_E2 * sine * sine);
-    return {latitude, std::atan2(place.y, place.x), height};
 }
 
 CLocalFrame::CLocalFrame(const SGeodetic& origin) {
