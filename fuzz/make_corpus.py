@@ -6,7 +6,8 @@ usage: make_corpus.py FOLDER
 Writes FOLDER/fuzz_framers and FOLDER/fuzz_records: sentences made here, one of each log that is
 decoded, and real ones cut from the captures where those are there (beside the checkout, or in the
 folder that the environment variable CORVANE_CAPTURES names); FOLDER/fuzz_rpc: what clients of the
-RPC service send, a call of each method among it; and FOLDER/fuzz_gpsd: what clients of gpsd send.
+RPC service send, a call of each method among it; FOLDER/fuzz_gpsd: what clients of gpsd send; and
+FOLDER/fuzz_services: what programs publish.
 """
 
 import json
@@ -189,12 +190,62 @@ def gpsd_lines():
     yield "http", "GET / HTTP/1.1\r\nHost: x\r\n\r\n?POLL;\n"
 
 
+SERVICES = {
+    "logger.register": {"process": "corvane", "pid": 411, "version": "0.1.0"},
+    "logger.status": {"level": "essential", "key": "checksum_stats", "value": "1204,3"},
+    "logger.data": {"key": "QRS_42", "value": "1763834800.1,2393,583618.000"},
+    "logger.event": {"level": "warning", "text": "Idle for 1.5 s"},
+    "logger.raw": {"data": "qkQSHAAA"},
+    "position.ecef": {
+        "x": 3910057.7277, "y": 355843.1291, "z": 5009684.6374, "vx": -4.0, "vy": 2.6, "vz": 1.7,
+        "sx": 0.01, "sy": 0.01, "sz": None, "week": 2393, "seconds": 583618.0, "hostTime": 1.5e9,
+        "positionQuality": 3, "fixQuality": 4, "differentialAge": 1.0, "satellites": [9, 5, 0],
+        "hdop": 100, "vdop": 100, "solutionClass": 6, "velocityLatency": 0.1},
+    "position.sky": {"satellites": [{"prn": 7, "word1": 1, "word2": 4294967295, "cn0": 47},
+                                    {"prn": 45, "word1": 0, "word2": 0, "cn0": None}]},
+    "position.base": {"x": 3910000.0, "y": 355000.0, "z": 5009000.0},
+    "reference.gps": {"week": 2393, "seconds": 1.5, "x": 1.0, "y": 2.0, "z": 3.0, "gps": 9,
+                      "glonass": 5, "other": 0},
+    "nmea.sentence": {"id": "GPGSV", "gpsTime": 583618000,
+                      "sentence": nmea(b"GPGSV,1,1,02,07,64,120,47,22,,,").decode()},
+    "nmea.geoid": {"separation": 43.75},
+    "diagnostics.raise": {"code": 79141, "sub": 2, "value": 1.0},
+    "diagnostics.clear": {"code": 79141, "sub": 2},
+    "diagnostics.activity": {"received": 40, "sentences": 160},
+    "logger.getCategory": {"category": "NovatelPortHandler"},
+    "logger.setCategory": {"category": "NovatelPortHandler", "enabled": True},
+}
+STATUSES = {
+    "ReceiverStatus": "0x00000028: Antenna not powered,Antenna open,",
+    "ReceiverError": "0x00000000: ", "ReceiverCPUIdlePercentage": "43.5",
+    "component_00.componentType": "1", "component_00.model": "G2S0", "COM1_Config": "9600,A,B",
+    "current_channel_configuration": "1", "channel_config_1": " 8 GPSL1,  6 GLOL1, ",
+}
+
+
+def service_lines():
+    """What programs publish: a message of each kind, alone and all together."""
+    def message(method, params):
+        common = {} if "Category" in method else {"name": "NovatelReceiverStatus", "time": 1.5}
+        call = {"jsonrpc": "2.0", "method": method, "params": {**common, **params}}
+        return json.dumps(call | ({"id": 1} if not common else {})) + "\n"
+    for method, params in SERVICES.items():
+        yield method, message(method, params)
+    yield "all", "".join(message(*each) for each in SERVICES.items())
+    statuses = [{"level": "info", "key": key, "value": value} for key, value in STATUSES.items()]
+    yield "statuses", "".join(message("logger.status", each) for each in statuses)
+    use = {"id": "GPGSA", "gpsTime": 0,
+           "sentence": nmea(b"GPGSA,A,3,07,,,,,,,,,,,,1.6,0.9,1.3").decode()}
+    yield "use", message("nmea.sentence", SERVICES["nmea.sentence"]) + message("nmea.sentence", use)
+    yield "batch", "[" + ",".join(message(*each).strip() for each in SERVICES.items()) + "]\n"
+
+
 def main():
     if len(sys.argv) != 2:
         sys.exit(__doc__)
     folder = pathlib.Path(sys.argv[1])
     sentences = list(made_sentences()) + list(real_sentences())
-    for name in ("fuzz_framers", "fuzz_records", "fuzz_rpc", "fuzz_gpsd"):
+    for name in ("fuzz_framers", "fuzz_records", "fuzz_rpc", "fuzz_gpsd", "fuzz_services"):
         (folder / name).mkdir(parents=True, exist_ok=True)
     for name, sentence in sentences:
         (folder / "fuzz_records" / name).write_bytes(sentence)
@@ -204,6 +255,8 @@ def main():
         (folder / "fuzz_rpc" / name).write_bytes(lines.encode())
     for name, lines in gpsd_lines():
         (folder / "fuzz_gpsd" / name).write_bytes(lines.encode())
+    for name, lines in service_lines():
+        (folder / "fuzz_services" / name).write_bytes(lines.encode())
     print(f"{folder}: {len(sentences)} sentences")
 
 

@@ -1,4 +1,5 @@
-"""Many connections to the RPC service at once, none of which waits for another."""
+"""Many connections at once, to the RPC service unless another port is named; none of them waits for
+another."""
 
 import fcntl
 import json
@@ -20,7 +21,7 @@ _CHUNK = 65536
 class Member:
     """One connection, and what it has been told."""
 
-    def __init__(self, data: bytes, *, reads: bool = True) -> None:
+    def __init__(self, data: bytes, *, reads: bool = True, port: int = PORT) -> None:
         self.received = bytearray()
         self.sent = 0
         self.is_closed = False  # by the daemon
@@ -28,7 +29,7 @@ class Member:
         self._reads = reads
         self.stream = socket.socket()
         self.stream.setblocking(False)
-        self.stream.connect_ex(("127.0.0.1", PORT))
+        self.stream.connect_ex(("127.0.0.1", port))
 
     def wanted(self) -> int:
         wants_to_send = select.POLLOUT if self.sent < len(self._data) else 0
@@ -54,8 +55,9 @@ class Member:
 class Crowd:
     """To be used in a with statement: all leave at its end."""
 
-    def __init__(self) -> None:
+    def __init__(self, port: int = PORT) -> None:
         self.members: list[Member] = []
+        self._port = port
 
     def __enter__(self) -> "Crowd":
         return self
@@ -65,7 +67,7 @@ class Crowd:
             member.stream.close()
 
     def join(self, count: int, data: bytes, *, reads: bool = True) -> list[Member]:
-        new = [Member(data, reads=reads) for _ in range(count)]
+        new = [Member(data, reads=reads, port=self._port) for _ in range(count)]
         self.members += new
         return new
 

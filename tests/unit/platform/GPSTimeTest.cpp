@@ -64,6 +64,15 @@ SWeekSeconds ThereAndBack(std::int32_t week, double seconds) {
     return WeekSecondsOf(GPSTime::FromGPSTime(week, seconds));
 }
 
+/// The moment, in nanoseconds since the Unix epoch, so many seconds and nanoseconds after the GPS
+/// epoch.
+std::int64_t UnixNanosecondsOf(std::int64_t gpsSeconds, std::int64_t nanoseconds = 0) {
+    const auto week = static_cast<std::int32_t>(gpsSeconds / 604'800);
+    const double seconds =
+        static_cast<double>(gpsSeconds % 604'800) + static_cast<double>(nanoseconds) / 1e9;
+    return GPSTime::FromGPSTime(week, seconds).AsUnixTime().SinceEpoch().AsNanoseconds();
+}
+
 class LeapSecond : public testing::TestWithParam<SLeapSecond> {};
 
 } // namespace
@@ -72,6 +81,30 @@ TEST_P(LeapSecond, counts_from_its_end_and_not_before) {
     const std::int64_t moment = GetParam().unixSeconds * 1'000'000'000;
     EXPECT_EQ(OffsetAt(moment - 1), (GetParam().offset - 1) * 1'000'000'000LL);
     EXPECT_EQ(OffsetAt(moment), GetParam().offset * 1'000'000'000LL);
+}
+
+TEST_P(LeapSecond, is_taken_off_again_from_its_end) {
+    const std::int64_t moment = GetParam().unixSeconds;
+    const std::int64_t after = moment - kGPSEpoch + GetParam().offset; // the GPS time of it
+    EXPECT_EQ(UnixNanosecondsOf(after), moment * 1'000'000'000);
+    EXPECT_EQ(UnixNanosecondsOf(after, 500'000'000), moment * 1'000'000'000 + 500'000'000);
+    EXPECT_EQ(UnixNanosecondsOf(after + 86'400), (moment + 86'400) * 1'000'000'000);
+}
+
+TEST_P(LeapSecond, is_counted_like_the_second_behind_it) {
+    // 23:59:60 is the second whose end is the moment of the table.
+    const std::int64_t moment = GetParam().unixSeconds;
+    const std::int64_t inserted = moment - kGPSEpoch + GetParam().offset - 1;
+    EXPECT_EQ(UnixNanosecondsOf(inserted), moment * 1'000'000'000);
+    EXPECT_EQ(UnixNanosecondsOf(inserted, 500'000'000), moment * 1'000'000'000 + 500'000'000);
+}
+
+TEST_P(LeapSecond, is_not_taken_off_before_its_begin) {
+    const std::int64_t moment = GetParam().unixSeconds;
+    const std::int64_t last = moment - kGPSEpoch + GetParam().offset - 2; // 23:59:59
+    EXPECT_EQ(UnixNanosecondsOf(last), (moment - 1) * 1'000'000'000);
+    EXPECT_EQ(UnixNanosecondsOf(last, 999'000'000), (moment - 1) * 1'000'000'000 + 999'000'000);
+    EXPECT_EQ(UnixNanosecondsOf(last - 86'400), (moment - 86'401) * 1'000'000'000);
 }
 
 INSTANTIATE_TEST_SUITE_P(GPSTime, LeapSecond, testing::ValuesIn(kLeapSeconds),
@@ -152,4 +185,37 @@ TEST(GPSTime, tells_the_span_between_two_moments) {
     EXPECT_LT(earlier, later);
     EXPECT_EQ(GPSTime::FromGPSTime(65'535, 0.125).SecondsSince(GPSTime()),
               65'535 * 604'800.0 + 0.125);
+}
+
+TEST(GPSTime, begins_in_UTC_at_its_epoch) {
+    EXPECT_EQ(GPSTime().AsUnixTime().AsSeconds(), static_cast<double>(kGPSEpoch));
+    EXPECT_EQ(UnixNanosecondsOf(0, 1), kGPSEpoch * 1'000'000'000 + 1);
+}
+
+TEST(GPSTime, of_a_known_moment_is_its_UTC) {
+    // 2025-11-22 18:06:40 UTC is day 20414 and second 65200 since the Unix epoch.
+    EXPECT_EQ(GPSTime::FromGPSTime(2393, 583'618.0).AsUnixTime().AsSeconds(), 1'763'834'800.0);
+    EXPECT_EQ(GPSTime::FromGPSTime(2393, 583'618.25).AsUnixTime().AsSeconds(), 1'763'834'800.25);
+}
+
+TEST(GPSTime, comes_back_from_UTC_as_it_was) {
+    for (const std::int64_t seconds :
+         {kGPSEpoch + 1, std::int64_t{362'793'599}, std::int64_t{362'793'600},
+          std::int64_t{1'234'567'890}, std::int64_t{1'483'228'800}, std::int64_t{4'000'000'000}}) {
+        const std::int64_t nanoseconds = seconds * 1'000'000'000 + 123'456'789;
+        EXPECT_EQ(FromUnixNanoseconds(nanoseconds).AsUnixTime().SinceEpoch().AsNanoseconds(),
+                  nanoseconds);
+    }
+}
+
+TEST(GPSTime, of_a_receiver_that_has_lost_its_time_is_a_moment_that_can_be_told) {
+    // The last week that is: 13500 * 604800 s after the epoch, less 18 leap seconds.
+    constexpr std::int64_t kLast = (315'964'800 + 13'500LL * 604'800 - 18) * 1'000'000'000;
+    EXPECT_EQ(UnixNanosecondsOf(13'500LL * 604'800), kLast);
+    for (const std::int32_t week : {13'501, 65'535, std::numeric_limits<std::int32_t>::max()}) {
+        EXPECT_EQ(GPSTime::FromGPSTime(week, 1.0).AsUnixTime().SinceEpoch().AsNanoseconds(),
+                  kLast + 1'000'000'000);
+    }
+    EXPECT_EQ(GPSTime::FromGPSTime(-5, 1.0).AsUnixTime().AsSeconds(),
+              static_cast<double>(kGPSEpoch));
 }

@@ -162,13 +162,17 @@ private:
     TFunction m_function;
 };
 
-/// Keeps whose connections were closed, and tells whose call is being made.
+/// Keeps whose connections were closed and how many requests were refused, and tells whose call is
+/// being made.
 class CTestServer : public MPISocketServerC {
 public:
     using MPISocketServerC::Caller;
     using MPISocketServerC::MPISocketServerC;
 
+    void RequestRefused() override { ++refused; }
+
     std::vector<const MPISocketConnectionC*> closed;
+    int refused = 0;
 
 protected:
     void ConnectionClosed(MPISocketConnectionC& connection) override {

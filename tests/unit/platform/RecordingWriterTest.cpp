@@ -1,14 +1,13 @@
 #include "platform/RecordingWriter.h"
 
+#include "Support/FileSizeLimit.h"
 #include "Support/RecordingBytes.h"
 #include "Support/TemporaryFolder.h"
 #include "platform/LogFileReader.h"
 
-#include <csignal>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <string>
-#include <sys/resource.h>
 #include <vector>
 
 namespace {
@@ -39,26 +38,6 @@ std::string Content(const std::string& path) {
 bool Exists(const std::string& path) {
     return std::ifstream(path).is_open();
 }
-
-/// No file of this process grows beyond so many bytes.
-class CFileSizeLimit {
-public:
-    explicit CFileSizeLimit(rlim_t bytes) {
-        std::signal(SIGXFSZ, SIG_IGN);
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~CFileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, SIG_DFL);
-    }
-    CFileSizeLimit(const CFileSizeLimit&) = delete;
-    CFileSizeLimit& operator=(const CFileSizeLimit&) = delete;
-
-private:
-    rlimit m_before{};
-};
 
 class RecordingWriter : public testing::TestWithParam<CRecordingWriter::EPlace> {
 protected:
