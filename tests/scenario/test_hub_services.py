@@ -153,11 +153,11 @@ class Hostile(HubLoad):
                 stream.sendall(say("logger.register", process=f"visitor{i}", pid=i, version="1"))
                 (hang_up if i % 2 else socket.socket.close)(stream)
             publisher = Publisher()
-            self.addCleanup(publisher.close)
             publisher.register("Late", "late")
             wait_until("the last one to be seen",
                        lambda: any(each["process"] == "late" and each["isConnected"]
                                    for each in ask_json("/api/panel")["processes"]))
+            publisher.close()
 
     @best_of_three
     def test_lines_that_never_end_and_answers_that_nobody_reads_harm_nobody(self) -> None:
@@ -239,6 +239,7 @@ class Starting(Scenario):
     def test_a_wrong_settings_file_is_told_with_status_2(self) -> None:
         for text, why in (("[http]\nprot = 80\n", "[http] prot: there is no such setting"),
                           ("[web]\nport = 80\n", "[web] port: there is no such setting"),
+                          ("port = 80\n", "port: it stands before the first section"),
                           ("[http]\nport = many\n", "[http] port: 'many' is no number")):
             told = self.run_hub("--config", self.settings(text))
             self.assertEqual((told.returncode, told.stdout), (2, ""), text)
@@ -246,6 +247,9 @@ class Starting(Scenario):
         told = self.run_hub("-c", str(self.folder / "none"))
         self.assertEqual(told.returncode, 2)
         self.assertIn("No such file", told.stderr)
+        told = self.run_hub("-c", str(self.folder))
+        self.assertEqual(told.returncode, 2)
+        self.assertIn("not a regular file", told.stderr)
 
     def test_the_command_line_wins_over_the_settings_file(self) -> None:
         path = self.settings("[http]\nport = 8090\n[services]\nport = 10090\n")

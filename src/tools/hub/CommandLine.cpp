@@ -101,7 +101,7 @@ std::string Understand(SWords& words, SSettings& settings) {
             }
         }
     }
-    return {};
+    return WhyWrong(settings);
 }
 
 } // namespace

@@ -3,10 +3,13 @@
 #include "platform/Config.h"
 
 #include <algorithm>
+#include <arpa/inet.h>
 #include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <filesystem>
+#include <string_view>
 #include <unistd.h>
 
 namespace Hub {
@@ -74,7 +77,11 @@ constexpr std::array kTable = {
 /// A missing file counts as an empty one for the configuration database; not here, where it was
 /// named.
 std::string WhyUnreadable(const std::string& path) {
-    return access(path.c_str(), R_OK) == 0 ? "" : std::strerror(errno);
+    if (access(path.c_str(), R_OK) != 0) {
+        return std::strerror(errno);
+    }
+    std::error_code ignored;
+    return std::filesystem::is_regular_file(path, ignored) ? "" : "not a regular file";
 }
 
 const SSetting* Find(const std::string& section, const std::string& key) {
@@ -125,11 +132,32 @@ std::string SetFromText(const SSetting& row, const std::string& text, SSettings&
     return {};
 }
 
+std::string WhyWrong(const SSettings& settings) {
+    for (const SSetting& row : kTable) {
+        const auto* const member = std::get_if<std::string SSettings::*>(&row.member);
+        // Names are for the web server alone: the other two listen on what is said in numbers.
+        const bool isAddress =
+            row.key == std::string_view("listen") && row.section != std::string_view("http");
+        in_addr ignored{};
+        if (member != nullptr && isAddress &&
+            ::inet_pton(AF_INET, (settings.**member).c_str(), &ignored) != 1) {
+            return row.Option() + ": '" + settings.**member +
+                   "' is no IPv4 address in numbers, such as 127.0.0.1";
+        }
+    }
+    return {};
+}
+
 std::string ReadSettingsFile(const std::string& path, SSettings& settings) {
     if (std::string why = WhyUnreadable(path); !why.empty()) {
         return path + ": " + why;
     }
     CConfig file(path);
+    for (const SSetting& row : kTable) {
+        if (!file.GetString("", row.key, "").empty()) {
+            return path + ": " + row.key + ": it stands before the first section";
+        }
+    }
     for (const std::string& section : file.GetSections()) {
         for (const auto& [key, value] :
              file.GetSection(section).value_or(std::map<std::string, std::string>())) {

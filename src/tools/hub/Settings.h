@@ -65,6 +65,9 @@ std::string DefaultText(const SSetting& row);
 /// Sets one row's value from its text.
 std::string SetFromText(const SSetting& row, const std::string& text, SSettings& settings);
 
+/// Looks at all of them: addresses that could never be listened on.
+std::string WhyWrong(const SSettings& settings);
+
 /// Reads a configuration file; a key or section that is not in the table is an error.
 std::string ReadSettingsFile(const std::string& path, SSettings& settings);
 

@@ -86,7 +86,10 @@ public:
     void NewMessage(const SEvent& event) override;
     void NewMessage(const SRawBlock& block) override;
     void NewMessage(const SSolution& solution) override;
-    void SolutionPassedOver(const SSolution&) override { ++m_solutions; }
+    void SolutionPassedOver(const SSolution&) override {
+        ++m_messages;
+        ++m_solutions;
+    }
     void NewMessage(const SSky& sky) override;
     void NewMessage(const SBase& base) override;
     void NewMessage(const SReference& reference) override;

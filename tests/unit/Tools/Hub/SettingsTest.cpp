@@ -138,6 +138,11 @@ TEST_F(SettingsFile, is_wrong_with_a_key_or_section_that_there_is_not) {
     EXPECT_THAT(Read("[hub]\nhttp-port = 80\n"), HasSubstr("there is no such setting"));
 }
 
+TEST_F(SettingsFile, is_wrong_with_a_key_in_no_section) {
+    EXPECT_THAT(Read("port = 80\n"),
+                HasSubstr("hub.conf: port: it stands before the first section"));
+}
+
 TEST_F(SettingsFile, is_wrong_with_a_number_that_is_none) {
     EXPECT_THAT(Read("[http]\nport = 65536\n"),
                 HasSubstr("hub.conf: [http] port: '65536' is no number from 0 to 65535"));
@@ -146,4 +151,33 @@ TEST_F(SettingsFile, is_wrong_with_a_number_that_is_none) {
 TEST_F(SettingsFile, must_be_there_to_be_read) {
     EXPECT_EQ(Hub::ReadSettingsFile(m_folder.Path("none"), m_settings),
               m_folder.Path("none") + ": No such file or directory");
+    EXPECT_EQ(Hub::ReadSettingsFile(m_folder.Path(), m_settings),
+              m_folder.Path() + ": not a regular file");
+}
+
+TEST(Settings, are_right_unless_set) {
+    EXPECT_EQ(Hub::WhyWrong(SSettings()), "");
+}
+
+TEST(Settings, of_services_and_gpsd_take_addresses_in_numbers_alone) {
+    for (std::string SSettings::*const member :
+         {&SSettings::servicesListen, &SSettings::gpsdListen}) {
+        for (const char* address : {"0.0.0.0", "127.0.0.1", "192.0.2.7"}) {
+            SSettings settings;
+            settings.*member = address;
+            EXPECT_EQ(Hub::WhyWrong(settings), "") << address;
+        }
+        for (const char* address : {"", "localhost", "::1", "127.1", "256.0.0.1"}) {
+            SSettings settings;
+            settings.*member = address;
+            EXPECT_THAT(Hub::WhyWrong(settings), HasSubstr("-listen: '" + std::string(address) +
+                                                           "' is no IPv4 address in numbers"));
+        }
+    }
+}
+
+TEST(Settings, of_the_web_server_take_names) {
+    SSettings settings;
+    settings.httpListen = "localhost";
+    EXPECT_EQ(Hub::WhyWrong(settings), "");
 }
