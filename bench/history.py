@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Measures how long the hub takes to answer for a day of its history.
 
-Starts corvane-hub with an empty history, lets it make its database, puts a day of positions into
-that (86,400, one a second, with what stands for each minute) and asks for them over HTTP, as the
-dashboard does, 20 times each: the day with 1000 points and with the most that may be asked for, and
-all of them, where --days tells more. Prints medians and the largest times; ends with status 1 when a day with
-1000 points took 100 ms or more.
+Starts corvane-hub with an empty history, lets it make its database, puts days of positions into
+that (86,400 each, one a second, with what stands for each minute) and asks for them over HTTP, as
+the dashboard does, 20 times each: a day with 1000 points, with the most that may be asked for, and
+all days. Prints medians and the largest times; ends with status 1 when a day with 1000 points took
+100 ms or more.
 
     bench/history.py [--days N] [--programs FOLDER] [--port N]
 """

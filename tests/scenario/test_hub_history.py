@@ -7,8 +7,8 @@ from pathlib import Path
 
 from harness import namespace
 from harness.hub import Hub
-from harness.publisher import Publisher, gps_time
-from harness.scenario import Scenario
+from harness.hubbed import Hubbed
+from harness.publisher import gps_time
 from harness.waiting import PATIENCE, wait_until
 from harness.web import ask, ask_json
 
@@ -22,18 +22,7 @@ def moment(seconds: float) -> dict:
     return {"time": seconds, "week": week, "seconds": of_week}
 
 
-class HubHistory(Scenario):
-    def hub(self, *arguments: str) -> Hub:
-        hub = Hub(self.folder / "hub", *arguments)
-        self.addCleanup(hub.kill)
-        return hub
-
-    def publisher(self) -> Publisher:
-        publisher = Publisher()
-        self.addCleanup(publisher.close)
-        publisher.register()
-        return publisher
-
+class HubHistory(Hubbed):
     def entries(self, what: str, **arguments) -> list[dict]:
         """A list, newest first; empty also while there is no history yet."""
         status, body = ask(f"/api/history/{what}", **arguments)
@@ -55,7 +44,7 @@ class HubHistory(Scenario):
                           state=lambda: self.positions(start, end))
 
     def test_positions_are_answered_as_columns_one_a_second(self) -> None:
-        self.hub()
+        self.start()
         publisher = self.publisher()
         start = int(time.time()) - 100
         publisher.sky((7, 40.0), (7, 30.0), (8, 0.0), time=start)
@@ -76,7 +65,7 @@ class HubHistory(Scenario):
                          (start, start + 10, 1))
 
     def test_long_spans_have_as_few_points_as_were_asked_for(self) -> None:
-        self.hub()
+        self.start()
         publisher = self.publisher()
         start = int(time.time()) - 3000
         for at in range(3000):
@@ -92,7 +81,7 @@ class HubHistory(Scenario):
             self.assertAlmostEqual(latitude, PLACE[0] + (at - start) * 1e-6, delta=1e-9)
 
     def test_events_diagnostics_and_statuses_are_answered_newest_first(self) -> None:
-        self.hub()
+        self.start()
         publisher = self.publisher()
         now = time.time()
         publisher.event("first", time=now - 3)
@@ -121,7 +110,7 @@ class HubHistory(Scenario):
         self.assertEqual(self.entries("events", limit=1), events[:1])
 
     def test_all_is_there_after_a_restart_and_a_state_that_is_told_again_is_not_news(self) -> None:
-        hub = self.hub()
+        hub = self.start()
         publisher = self.publisher()
         now = time.time()
 
@@ -137,7 +126,7 @@ class HubHistory(Scenario):
         self.assertEqual(hub.terminate(), 0, hub.stderr)
         self.assertEqual(list(hub.state.glob("history.db-*")), [], "all is in one file")
 
-        self.hub()
+        self.start()
         publisher = self.publisher()
         tell()
         publisher.event("after it")
@@ -147,15 +136,15 @@ class HubHistory(Scenario):
         self.assertEqual(len(ask_json("/api/history/positions")["time"]), 1)
 
     def test_no_more_than_a_second_is_lost_when_the_hub_is_killed(self) -> None:
-        hub = self.hub()
+        hub = self.start()
         self.publisher().event("told")
         self.wait_for("events", 1)
         hub.kill()
-        self.hub()
+        self.start()
         self.assertEqual(self.wait_for("events", 1)[0]["text"], "told")
 
     def test_a_wrong_question_is_answered_with_what_is_wrong(self) -> None:
-        self.hub()
+        self.start()
         self.publisher().event("told")
         self.wait_for("events", 1)
         self.assertEqual(ask("/api/history/events", limit=0), (
@@ -165,14 +154,14 @@ class HubHistory(Scenario):
         self.assertEqual(ask("/api/history/weather")[0], 404)
 
     def test_a_history_that_is_turned_off_is_not_there(self) -> None:
-        hub = self.hub("--history-days=0")
+        hub = self.start("--history-days=0")
         self.publisher().event("told")
         self.assertEqual(ask("/api/history/events")[0], 404)
         self.assertEqual(hub.terminate(), 0)
         self.assertEqual(list(hub.state.glob("history*")), [])
 
     def test_a_damaged_history_is_moved_aside_with_one_message(self) -> None:
-        hub = self.hub()
+        hub = self.start()
         publisher = self.publisher()
         for at in range(2000):
             publisher.event(f"event {at} " + 100 * "x")
@@ -183,7 +172,7 @@ class HubHistory(Scenario):
         with path.open("r+b") as file:
             file.seek(10 * 4096)
             file.write(20 * 4096 * b"x")
-        hub = self.hub()
+        hub = self.start()
         self.publisher().event("new")
         self.assertEqual(self.wait_for("events", 1)[0]["text"], "new")
         self.assertEqual(hub.stderr.count("The history: "), 1, hub.stderr)
@@ -196,7 +185,7 @@ class HubHistory(Scenario):
         with sqlite3.connect(state / "history.db") as other:
             other.execute("CREATE TABLE event(what)")
         other.close()
-        hub = self.hub()
+        hub = self.start()
         self.publisher().event("new")
         self.wait_for("events", 1)
         self.assertIn("is no history of this version", hub.stderr)
@@ -206,7 +195,7 @@ class HubHistory(Scenario):
         state.mkdir(parents=True)
         namespace.mount_tmpfs(state, "1m")
         self.addCleanup(namespace.unmount, state)
-        hub = self.hub()
+        hub = self.start()
         publisher = self.publisher()
         publisher.event("before")
         self.wait_for("events", 1)

@@ -9,8 +9,7 @@ from harness import broker as brokers
 from harness.broker import Broker, Subscriber
 from harness.certificates import Authority
 from harness.hub import Hub
-from harness.publisher import Publisher
-from harness.scenario import Scenario
+from harness.hubbed import Hubbed
 from harness.waiting import wait_until
 from harness.web import ask
 
@@ -21,7 +20,7 @@ RETRY = 10.0  # seconds; the hub's delay between attempts has grown to a few of 
 
 
 @unittest.skipUnless(brokers.is_there(), "there is no mosquitto")
-class HubMQTT(Scenario):
+class HubMQTT(Hubbed):
     def broker(self, *settings: str, started: bool = True) -> Broker:
         broker = Broker(self.folder / "broker", *settings)
         self.addCleanup(broker.kill)
@@ -36,12 +35,6 @@ class HubMQTT(Scenario):
         hub = Hub(self.folder / "hub", f"--mqtt-host={host}", "--mqtt-device=roof", *arguments)
         self.addCleanup(hub.kill)
         return hub
-
-    def publisher(self) -> Publisher:
-        publisher = Publisher()
-        self.addCleanup(publisher.close)
-        publisher.register()
-        return publisher
 
     def texts(self, subscriber: Subscriber) -> list[str]:
         return [each.json()["text"] for each in subscriber.heard(f"{OURS}/event")]

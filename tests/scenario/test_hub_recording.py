@@ -8,26 +8,15 @@ from harness import namespace, places, recording
 from harness.collector import Collector
 from harness.daemon import Daemon
 from harness.hub import Hub
+from harness.hubbed import Hubbed
 from harness.publisher import PORT_HANDLER, Publisher
-from harness.scenario import Scenario
 from harness.sentences import numbered
 from harness.waiting import wait_until
 
 MEGABYTE = 1_000_000
 
 
-class HubRecording(Scenario):
-    def hub(self, *arguments: str) -> Hub:
-        hub = Hub(self.folder / "hub", *arguments)
-        self.addCleanup(hub.kill)
-        return hub
-
-    def publisher(self) -> Publisher:
-        publisher = Publisher()
-        self.addCleanup(publisher.close)
-        publisher.register()
-        return publisher
-
+class HubRecording(Hubbed):
     def switch(self, publisher: Publisher, is_on: bool, category: str = PORT_HANDLER) -> None:
         """All that was told before has been taken when this returns."""
         publisher.request("logger.setCategory", category=category, enabled=is_on)
@@ -54,7 +43,7 @@ class HubRecording(Scenario):
         return collector, daemon
 
     def test_blocks_are_recorded_while_their_category_is_on(self) -> None:
-        hub = self.hub()
+        hub = self.start()
         publisher = self.publisher()
         publisher.raw(b"before")
         self.switch(publisher, True)
@@ -77,14 +66,14 @@ class HubRecording(Scenario):
                          [recording.Block(1_700_000_002.75, b"third")])
 
     def test_categories_hold_over_restarts_and_files_are_never_written_to_again(self) -> None:
-        hub = self.hub()
+        hub = self.start()
         publisher = self.publisher()
         self.switch(publisher, True)
         publisher.raw(b"first", time=1_700_000_000.0)
         self.switch(publisher, True, "Other")
         self.assertEqual(hub.terminate(), 0)
         self.assertEqual(self.recorded(hub), [b"first"])
-        hub = self.hub()
+        hub = self.start()
         publisher = self.publisher()
         publisher.raw(b"second", time=1_700_000_000.5)
         self.wait_for(hub, 2)
@@ -93,7 +82,7 @@ class HubRecording(Scenario):
                           "NovatelPortHandler-20231114T221320Z.pcap"])
 
     def test_a_recording_is_played_by_the_daemon(self) -> None:
-        hub = self.hub()
+        hub = self.start()
         publisher = self.publisher()
         self.switch(publisher, True)
         start = time.time()
@@ -105,7 +94,7 @@ class HubRecording(Scenario):
         self.assertEqual(collector.numbers(), list(range(1, 11)))
 
     def test_a_recording_is_played_to_its_last_block_after_the_hub_was_killed(self) -> None:
-        hub = self.hub()
+        hub = self.start()
         publisher = self.publisher()
         self.switch(publisher, True)
         for at in range(10):
@@ -116,7 +105,7 @@ class HubRecording(Scenario):
         self.assertEqual(collector.numbers(), list(range(1, 11)))
 
     def test_a_damaged_tail_ends_a_recording_at_its_last_whole_block(self) -> None:
-        hub = self.hub()
+        hub = self.start()
         publisher = self.publisher()
         self.switch(publisher, True)
         for at in range(3):
@@ -130,7 +119,7 @@ class HubRecording(Scenario):
         self.assertIn("the recording ends there", daemon.stderr)
 
     def test_files_end_at_their_size_and_the_oldest_go(self) -> None:
-        hub = self.hub("--recording-file-megabytes=1", "--recording-megabytes=3")
+        hub = self.start("--recording-file-megabytes=1", "--recording-megabytes=3")
         publisher = self.publisher()
         self.switch(publisher, True)
         block = bytes(range(256)) * 200  # 51,200 bytes: 19 to a file
@@ -148,7 +137,7 @@ class HubRecording(Scenario):
         self.assertEqual(numbers, list(range(numbers[0], 100)))
 
     def test_files_end_at_their_age(self) -> None:
-        hub = self.hub("--recording-file-minutes=1")
+        hub = self.start("--recording-file-minutes=1")
         publisher = self.publisher()
         self.switch(publisher, True)
         for seconds in (0, 30, 59, 60, 119, 120):
@@ -162,7 +151,7 @@ class HubRecording(Scenario):
         (state / "recordings").mkdir(parents=True)
         namespace.mount_tmpfs(state / "recordings", "64k")
         self.addCleanup(namespace.unmount, state / "recordings")
-        hub = self.hub()
+        hub = self.start()
         publisher = self.publisher()
         self.switch(publisher, True)
         for at in range(10):  # of which six have room
@@ -178,7 +167,7 @@ class HubRecording(Scenario):
         hub.wait_for_error("The recordings: they go on")
 
     def test_other_programs_read_a_recording(self) -> None:
-        hub = self.hub()
+        hub = self.start()
         publisher = self.publisher()
         self.switch(publisher, True)
         for at in range(5):

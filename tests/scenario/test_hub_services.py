@@ -10,8 +10,9 @@ from harness import places
 from harness.crowd import Crowd, hang_up
 from harness.hub import GPSD_PORT, HTTP_PORT, SERVICES_PORT, Hub
 from harness.hub_load import HubLoad, peak_kib
+from harness.hubbed import Hubbed
 from harness.publisher import Publisher
-from harness.scenario import Scenario, best_of_three
+from harness.scenario import best_of_three
 from harness.waiting import wait_until
 from harness.web import ask_json
 
@@ -31,17 +32,7 @@ def connect() -> socket.socket:
     return socket.create_connection(("127.0.0.1", SERVICES_PORT), 10.0)
 
 
-class Keeping(Scenario):
-    def start(self, *arguments: str) -> Hub:
-        hub = Hub(self.folder / "hub", *arguments)
-        self.addCleanup(hub.kill)
-        return hub
-
-    def publisher(self) -> Publisher:
-        publisher = Publisher()
-        self.addCleanup(publisher.close)
-        return publisher
-
+class Keeping(Hubbed):
     def category(self, **params) -> int:
         publisher = Publisher()
         method = "logger.setCategory" if "enabled" in params else "logger.getCategory"
@@ -66,7 +57,7 @@ class Keeping(Scenario):
 
     def test_what_a_program_tells_is_shown_until_a_later_run_of_it_tells_else(self) -> None:
         self.start()
-        first = self.publisher()
+        first = self.stranger()
         first.register()
         first.status("old", "1")
         first.raise_diagnostic(79141, 2)
@@ -75,7 +66,7 @@ class Keeping(Scenario):
         wait_until("it to be gone",
                    lambda: not ask_json("/api/panel")["processes"][0]["isConnected"])
         self.assertEqual(len(ask_json("/api/panel")["statuses"]), 1)
-        second = self.publisher()
+        second = self.stranger()
         second.register()
         second.status("new", "1")
 
@@ -88,7 +79,7 @@ class Keeping(Scenario):
 
     def test_a_wrong_message_is_counted_and_the_next_one_is_taken(self) -> None:
         self.start()
-        publisher = self.publisher()
+        publisher = self.stranger()
         publisher.send(b"nonsense\n" + say("nmea.geoid") + say("no.method") + b"[]\n")
         publisher.event("right")
 
@@ -184,7 +175,7 @@ class Hostile(HubLoad):
                                         for each in crowd.members), 30.0)
 
     def test_a_web_page_cannot_publish(self) -> None:
-        self.hub()
+        self.start()
         stream = connect()
         self.addCleanup(stream.close)
         body = say("logger.event", level="error", text="forged")
@@ -199,16 +190,11 @@ class Hostile(HubLoad):
         self.assertEqual(ask_json("/api/panel")["events"], [])
 
 
-class Starting(Scenario):
+class Starting(Hubbed):
     def run_hub(self, *arguments: str) -> subprocess.CompletedProcess:
         """To its end, which comes by itself."""
         return subprocess.run([places.binaries() / "corvane-hub", *arguments], text=True,
                               capture_output=True, timeout=10, check=False)
-
-    def start(self, *arguments: str, **settings) -> Hub:
-        hub = Hub(self.folder / "hub", *arguments, **settings)
-        self.addCleanup(hub.kill)
-        return hub
 
     def settings(self, text: str) -> str:
         return self.file("hub.conf", text.encode())

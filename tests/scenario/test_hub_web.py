@@ -10,10 +10,11 @@ import time
 import unittest
 
 from harness.crowd import Crowd
-from harness.hub import HTTP_PORT, Hub
+from harness.hub import HTTP_PORT
 from harness.hub_load import PLACE, HubLoad
+from harness.hubbed import Hubbed
 from harness.publisher import Publisher
-from harness.scenario import Scenario, best_of_three
+from harness.scenario import best_of_three
 from harness.waiting import wait_until
 from harness.web_client import Stream, answers_in, connect, everything, get, request
 
@@ -22,18 +23,7 @@ MOST_STREAMS = 128
 PAGES = ("/", "/api/live", "/api/panel", "/metrics", "/healthz")
 
 
-class Web(Scenario):
-    def start(self, *arguments: str) -> Hub:
-        hub = Hub(self.folder / "hub", *arguments)
-        self.addCleanup(hub.kill)
-        return hub
-
-    def publisher(self) -> Publisher:
-        publisher = Publisher()
-        self.addCleanup(publisher.close)
-        publisher.register()
-        return publisher
-
+class Web(Hubbed):
     def stream(self, *headers: str) -> Stream:
         stream = Stream(*headers)
         self.addCleanup(stream.close)
@@ -360,7 +350,7 @@ class Hostile(HubLoad):
 
     @best_of_three
     def test_it_ends_at_once_whatever_clients_do(self) -> None:
-        hub = self.hub()
+        hub = self.start()
         publisher = Publisher()
         self.addCleanup(publisher.close)
         for i in range(15):

@@ -2,16 +2,9 @@
 
 #include "RPCMessage.h"
 #include "ServedClient.h"
-#include "platform/Descriptor.h"
 
 #include <algorithm>
-#include <arpa/inet.h>
-#include <cerrno>
-#include <cstring>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
 #include <unistd.h>
 #include <utility>
 
@@ -19,44 +12,6 @@ namespace {
 
 /// So many connections are accepted in one pass.
 constexpr int kMaxAccepts = 32;
-
-/// A listening socket; -1, and why in `reason`, when there is none.
-int Listen(const std::string& address, std::uint16_t port, int backlog, std::string& reason) {
-    sockaddr_in name{};
-    name.sin_family = AF_INET;
-    name.sin_port = htons(port);
-    if (inet_pton(AF_INET, address.c_str(), &name.sin_addr) != 1) {
-        reason = "not an IPv4 address in numbers";
-        return -1;
-    }
-    const int descriptor =
-        Core::IO::KeepSelectable(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-    const int on = 1;
-    if (descriptor >= 0 &&
-        ::setsockopt(descriptor, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on) == 0 &&
-        ::bind(descriptor, reinterpret_cast<const sockaddr*>(&name), sizeof name) == 0 &&
-        ::listen(descriptor, backlog) == 0) {
-        return descriptor;
-    }
-    reason = std::strerror(errno);
-    if (descriptor >= 0) {
-        ::close(descriptor);
-    }
-    return -1;
-}
-
-/// Answers leave at once; a client that vanished without a word is found out after some 90 s, or
-/// enough of them would leave no place for others.
-void SetUpClient(int descriptor) {
-    const auto set = [&](int level, int name, int value) {
-        ::setsockopt(descriptor, level, name, &value, sizeof value);
-    };
-    set(IPPROTO_TCP, TCP_NODELAY, 1);
-    set(SOL_SOCKET, SO_KEEPALIVE, 1);
-    set(IPPROTO_TCP, TCP_KEEPIDLE, 60);
-    set(IPPROTO_TCP, TCP_KEEPINTVL, 10);
-    set(IPPROTO_TCP, TCP_KEEPCNT, 3);
-}
 
 } // namespace
 
@@ -67,9 +22,6 @@ MPISocketServerC::~MPISocketServerC() {
     for (const auto& client : m_clients) {
         m_sockets.Remove(client.get());
     }
-    if (m_listener >= 0) {
-        ::close(m_listener);
-    }
 }
 
 void MPISocketServerC::Register(std::unique_ptr<MPICallbackBase> callback) {
@@ -77,75 +29,26 @@ void MPISocketServerC::Register(std::unique_ptr<MPICallbackBase> callback) {
     m_callbacks[name] = std::move(callback);
 }
 
-bool MPISocketServerC::StartServer(const std::string& address, std::uint16_t port, int backlog,
-                                   std::function<void(const std::string&)> report) {
-    m_address = address;
-    m_port = port;
-    m_backlog = backlog;
-    m_report = std::move(report);
-    m_hasStarted = true;
-    return TryToListen();
-}
-
-bool MPISocketServerC::TryToListen() {
-    m_nextAttempt = Core::MonotonicTime::Now() + kListenRetry;
-    std::string reason;
-    m_listener = Listen(m_address, m_port, m_backlog, reason);
-    if (m_listener < 0 && reason != m_toldReason) {
-        m_report("cannot listen on " + m_address + ":" + std::to_string(m_port) + ": " + reason +
-                 "; trying again every 10 s");
-    }
-    m_toldReason = reason;
-    return m_listener >= 0;
-}
-
-std::uint16_t MPISocketServerC::Port() const {
-    sockaddr_in name{};
-    socklen_t length = sizeof name;
-    if (::getsockname(m_listener, reinterpret_cast<sockaddr*>(&name), &length) != 0) {
-        return 0;
-    }
-    return ntohs(name.sin_port);
-}
-
-/// None while it rests, or the loop would spin on connections that cannot be accepted.
-int MPISocketServerC::Descriptor() const {
-    return m_acceptAgain.HasExpired() ? m_listener : -1;
-}
-
 void MPISocketServerC::Service(bool readable, bool) {
-    if (m_hasStarted && m_listener < 0 && m_nextAttempt.HasExpired()) {
-        TryToListen();
-    }
+    m_listener.TryAgain();
     if (readable) {
         Accept();
     }
 }
 
 void MPISocketServerC::Accept() {
-    for (int i = 0; i < kMaxAccepts && AcceptOne(); ++i) {
-    }
-}
-
-bool MPISocketServerC::AcceptOne() {
-    const int descriptor = ::accept4(m_listener, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
-    if (descriptor < 0) {
-        if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
-            m_acceptAgain = Core::MonotonicTime::Now() + kAcceptRest;
+    for (int i = 0; i < kMaxAccepts; ++i) {
+        const int descriptor = m_listener.Accept();
+        if (descriptor < 0) {
+            return;
         }
-        return errno == ECONNABORTED || errno == EINTR;
+        if (m_clients.size() >= MaxClients()) {
+            ::close(descriptor);
+            continue;
+        }
+        m_clients.push_back(std::make_unique<CServedClient>(descriptor, *this));
+        m_sockets.Add(m_clients.back().get());
     }
-    if (m_clients.size() >= MaxClients()) {
-        ::close(descriptor);
-        return true;
-    }
-    if (Core::IO::KeepSelectable(descriptor) < 0) {
-        return true;
-    }
-    SetUpClient(descriptor);
-    m_clients.push_back(std::make_unique<CServedClient>(descriptor, *this));
-    m_sockets.Add(m_clients.back().get());
-    return true;
 }
 
 std::size_t MPISocketServerC::MaxClients() const {

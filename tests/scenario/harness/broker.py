@@ -84,8 +84,8 @@ class Subscriber:
         self._errors = folder / f"{name}.errors"
         with open(self._path, "wb") as heard, open(self._errors, "wb") as errors:
             self._process = subprocess.Popen(
-                ["stdbuf", "-oL", "mosquitto_sub", "-d", "-h", "127.0.0.1", "-p", str(PORT), "-q", "1", "-t", topic,
-                 "-F", "%q%r %t %p", *options],
+                ["stdbuf", "-oL", "mosquitto_sub", "-d", "-h", "127.0.0.1", "-p", str(PORT),
+                 "-q", "1", "-t", topic, "-F", "%q%r %t %p", *options],
                 stdin=subprocess.DEVNULL, stdout=heard, stderr=errors)
         try:
             wait_until("the subscription", lambda: "Subscribed (" in self._path.read_text(),

@@ -9,8 +9,8 @@ from collections.abc import Iterator
 from pathlib import Path
 
 from harness.hub import HTTP_PORT, Hub
+from harness.hubbed import Hubbed
 from harness.publisher import Publisher
-from harness.scenario import Scenario
 from harness.waiting import wait_until
 from harness.web import ask_json
 
@@ -95,19 +95,14 @@ def peak_kib(hub: Hub) -> int:
     return int(next(line for line in lines if line.startswith("VmHWM")).split()[1])
 
 
-class HubLoad(Scenario):
+class HubLoad(Hubbed):
     """Tests under the eyes of a publisher and a reader that do nothing wrong."""
-
-    def hub(self, *arguments: str, **settings) -> Hub:
-        hub = Hub(self.folder / "hub", *arguments, **settings)
-        self.addCleanup(hub.kill)
-        return hub
 
     @contextlib.contextmanager
     def under_load(self) -> Iterator[Hub]:
         """Whatever is done meanwhile, all that is published is taken and all questions answered;
         and afterwards no connection is left over."""
-        hub = self.hub()
+        hub = self.start()
         publisher = SteadyPublisher()
         self.addCleanup(publisher.close)
         wait_until("a position", lambda: ask_json("/api/live")["health"]["state"] == "live")

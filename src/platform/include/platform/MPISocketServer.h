@@ -4,6 +4,7 @@
 #include "platform/MPICallback.h"
 #include "platform/MPISocketConnection.h"
 #include "platform/SocketCollection.h"
+#include "platform/TCPListener.h"
 #include "platform/Time.h"
 
 #include <cstddef>
@@ -36,9 +37,6 @@ public:
     /// A quarter below the 16 MiB that all clients' buffers may ever take, for what a single
     /// request adds before it is looked at again.
     static constexpr std::size_t kMaxHeld = std::size_t{12} * 1024 * 1024;
-    static constexpr Core::Time kListenRetry = Core::Time::FromMilliseconds(10'000);
-    /// How long no connection is accepted when the process has no descriptors left.
-    static constexpr Core::Time kAcceptRest = Core::Time::FromMilliseconds(1000);
     /// How long a client that is given up may take to read why.
     static constexpr Core::Time kFarewell = Core::Time::FromMilliseconds(1000);
 
@@ -50,14 +48,14 @@ public:
     /// Offers a procedure; of one name, the last holds.
     void Register(std::unique_ptr<MPICallbackBase> callback);
 
-    /// Listens on an IPv4 address in numbers; port 0 lets the system choose. When that cannot be
-    /// done now it is tried again every kListenRetry, and `report` is told why, once for each
-    /// reason. Returns whether it listens.
+    /// As Core::IO::TCPListener::Start().
     bool StartServer(const std::string& address, std::uint16_t port, int backlog,
-                     std::function<void(const std::string&)> report);
-    bool IsListening() const { return m_listener >= 0; }
+                     std::function<void(const std::string&)> report) {
+        return m_listener.Start(address, port, backlog, std::move(report));
+    }
+    bool IsListening() const { return m_listener.IsListening(); }
     /// The port that it listens on; 0 when it does not.
-    std::uint16_t Port() const;
+    std::uint16_t Port() const { return m_listener.Port(); }
 
     /// To be called when nothing was ready: gives back memory that no client needs now.
     void Idle();
@@ -65,7 +63,7 @@ public:
     std::size_t ClientCount() const { return m_clients.size(); }
     std::size_t HeldBytes() const;
 
-    int Descriptor() const override;
+    int Descriptor() const override { return m_listener.Descriptor(); }
     bool WantsToWrite() const override { return false; }
     void Service(bool readable, bool writable) override;
     void AfterService() override;
@@ -91,9 +89,7 @@ protected:
 private:
     using TClients = std::vector<std::unique_ptr<CServedClient>>;
 
-    bool TryToListen();
     void Accept();
-    bool AcceptOne();
     std::size_t MaxClients() const;
     void ShareOutWork();
     bool MayCall(MPICallbackBase::ECost cost, const MPISocketConnectionC& caller);
@@ -102,15 +98,7 @@ private:
 
     SocketCollectionC& m_sockets;
     std::map<std::string, std::unique_ptr<MPICallbackBase>> m_callbacks;
-    std::string m_address;
-    std::uint16_t m_port = 0;
-    int m_backlog = 0;
-    std::function<void(const std::string&)> m_report;
-    std::string m_toldReason;
-    int m_listener = -1;
-    Core::MonotonicTime m_nextAttempt;
-    bool m_hasStarted = false;
-    Core::MonotonicTime m_acceptAgain;
+    Core::IO::TCPListener m_listener;
     TClients m_clients;
     std::size_t m_nextClient = 0; ///< whose turn is first in the next pass
     MPISocketConnectionC* m_caller = nullptr;

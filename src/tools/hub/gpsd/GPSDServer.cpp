@@ -1,5 +1,7 @@
 #include "hub/gpsd/GPSDServer.h"
 
+#include "platform/DebugPrint.h"
+
 #include <algorithm>
 #include <unistd.h>
 
@@ -11,6 +13,7 @@ namespace {
 
 /// So many connections are accepted in one pass.
 constexpr int kMaxAccepts = 32;
+constexpr int kBacklog = 64;
 /// So much of what a client has sent is told back to it.
 constexpr std::size_t kMaxQuoted = 80;
 
@@ -20,6 +23,14 @@ CGPSDServer::~CGPSDServer() {
     for (const auto& client : m_clients) {
         m_sockets.Remove(client.get());
     }
+}
+
+void CGPSDServer::Start(const std::string& address, std::uint16_t port) {
+    m_listener.Start(address, port, kBacklog, [](const std::string& why) {
+        deprintf("gpsd: %s. A gpsd that runs here itself must be stopped, or another port chosen "
+                 "(--gpsd-port).\n",
+                 why.c_str());
+    });
 }
 
 // --- the main loop

@@ -4,10 +4,10 @@
 #include "hub/Observer.h"
 #include "hub/gpsd/Client.h"
 #include "hub/gpsd/Device.h"
-#include "hub/gpsd/Listener.h"
 #include "hub/gpsd/RawText.h"
 #include "hub/gpsd/Request.h"
 #include "platform/SocketCollection.h"
+#include "platform/TCPListener.h"
 #include "platform/Time.h"
 
 #include <cstddef>
@@ -43,7 +43,7 @@ public:
     CGPSDServer& operator=(const CGPSDServer&) = delete;
 
     /// Listens on an IPv4 address in numbers; port 0 lets the system choose.
-    void Start(const std::string& address, std::uint16_t port) { m_listener.Start(address, port); }
+    void Start(const std::string& address, std::uint16_t port);
     bool IsListening() const { return m_listener.IsListening(); }
     std::uint16_t Port() const { return m_listener.Port(); }
     std::size_t ClientCount() const { return m_clients.size(); }
@@ -79,7 +79,7 @@ private:
     bool AnyWatchesJSON() const;
 
     SocketCollectionC& m_sockets;
-    GPSD::CListener m_listener;
+    Core::IO::TCPListener m_listener;
     std::vector<std::unique_ptr<GPSD::CClient>> m_clients;
     std::size_t m_nextClient = 0; ///< whose turn is first in the next pass
     GPSD::CDevice m_device;

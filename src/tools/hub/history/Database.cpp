@@ -10,7 +10,7 @@ std::string CDatabase::Open(const std::string& path, EAccess access) {
     const int result = sqlite3_open_v2(path.c_str(), &connection, flags, nullptr);
     m_connection.reset(connection);
     if (result != SQLITE_OK) {
-        const std::string why = connection == nullptr ? sqlite3_errstr(result) : Error();
+        std::string why = connection == nullptr ? sqlite3_errstr(result) : Error();
         Close();
         return why;
     }

@@ -6,7 +6,6 @@
 #include "platform/Time.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -25,16 +24,23 @@ constexpr double kSecondsPerDay = 86'400.0;
 /// How often what is too old is looked for, in calls of Write().
 constexpr unsigned kWritesBetweenRemovals = 60;
 
-/// The tables whose rows go when they are too old, and their indexed times.
+/// Of each table whose rows go when they are too old.
 struct STable {
-    std::string name;
-    std::string time;
+    const char* timeOfNth; ///< from the oldest one
+    const char* remove;    ///< up to a time
 };
-const std::array<STable, 5> kTables{{{"position", "second"},
-                                     {"position_minute", "second"},
-                                     {"event", "time"},
-                                     {"diagnostic", "time"},
-                                     {"status", "time"}}};
+constexpr STable kTables[] = {
+    {"SELECT second FROM position ORDER BY second LIMIT 1 OFFSET ?1",
+     "DELETE FROM position WHERE second <= ?1"},
+    {"SELECT second FROM position_minute ORDER BY second LIMIT 1 OFFSET ?1",
+     "DELETE FROM position_minute WHERE second <= ?1"},
+    {"SELECT time FROM event ORDER BY time LIMIT 1 OFFSET ?1",
+     "DELETE FROM event WHERE time <= ?1"},
+    {"SELECT time FROM diagnostic ORDER BY time LIMIT 1 OFFSET ?1",
+     "DELETE FROM diagnostic WHERE time <= ?1"},
+    {"SELECT time FROM status ORDER BY time LIMIT 1 OFFSET ?1",
+     "DELETE FROM status WHERE time <= ?1"},
+};
 
 } // namespace
 
@@ -242,12 +248,10 @@ bool CHistoryStore::RemoveExcess() {
 /// there are few.
 std::optional<double> CHistoryStore::TimeOfOldest() {
     std::optional<double> oldest;
-    for (const char* const offset : {"200", "10", "0"}) {
-        for (const auto& [name, time] : kTables) {
-            const std::string sql = std::string("SELECT ") + time + " FROM " + name + " ORDER BY " +
-                                    time + " LIMIT 1 OFFSET " + offset;
-            CStatement nth(m_database, sql.c_str());
-            if (nth.Step() && (!oldest || nth.Real(0) < *oldest)) {
+    for (const int offset : {200, 10, 0}) {
+        for (const STable& table : kTables) {
+            CStatement nth(m_database, table.timeOfNth);
+            if (nth.Bind(offset).Step() && (!oldest || nth.Real(0) < *oldest)) {
                 oldest = nth.Real(0);
             }
         }
@@ -261,9 +265,8 @@ std::optional<double> CHistoryStore::TimeOfOldest() {
 /// The rows of that time and those before it.
 bool CHistoryStore::RemoveUntil(double time) {
     bool isRemoved = m_database.Execute("BEGIN IMMEDIATE");
-    for (const auto& [name, column] : kTables) {
-        const std::string sql = "DELETE FROM " + name + " WHERE " + column + " <= ?1";
-        CStatement statement(m_database, sql.c_str());
+    for (const STable& table : kTables) {
+        CStatement statement(m_database, table.remove);
         isRemoved = isRemoved && statement.Bind(time).Run();
     }
     isRemoved = isRemoved &&

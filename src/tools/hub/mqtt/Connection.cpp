@@ -213,9 +213,13 @@ void CMQTTConnection::CSession::SayGoodbye() {
 }
 
 std::string CMQTTConnection::CSession::WhyLost(int result) const {
-    std::string why = m_refusal != 0             ? mosquitto_connack_string(m_refusal)
-                      : result == MOSQ_ERR_ERRNO ? std::strerror(errno)
-                                                 : mosquitto_strerror(result);
+    std::string why = m_refusal != 0                 ? mosquitto_connack_string(m_refusal)
+                      : result == MOSQ_ERR_ERRNO     ? std::strerror(errno)
+                      : result == MOSQ_ERR_KEEPALIVE ? "it does not answer"
+                                                     : mosquitto_strerror(result);
+    if (why.ends_with('.')) {
+        why.pop_back();
+    }
     why += m_tlsError.empty() ? "" : " (" + m_tlsError + ")";
     return why + "; tried again until it is there";
 }

@@ -1,6 +1,5 @@
-#include "hub/gpsd/Listener.h"
+#include "platform/TCPListener.h"
 
-#include "platform/DebugPrint.h"
 #include "platform/Descriptor.h"
 
 #include <arpa/inet.h>
@@ -10,15 +9,14 @@
 #include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <unistd.h>
+#include <utility>
 
-namespace Hub::GPSD {
+namespace Core::IO {
 
 namespace {
 
-constexpr int kBacklog = 64;
-
 /// A listening socket; -1, and why in `reason`, when there is none.
-int Listen(const std::string& address, std::uint16_t port, std::string& reason) {
+int Listen(const std::string& address, std::uint16_t port, int backlog, std::string& reason) {
     sockaddr_in name{};
     name.sin_family = AF_INET;
     name.sin_port = htons(port);
@@ -27,12 +25,12 @@ int Listen(const std::string& address, std::uint16_t port, std::string& reason) 
         return -1;
     }
     const int descriptor =
-        Core::IO::KeepSelectable(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+        KeepSelectable(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     const int on = 1;
     if (descriptor >= 0 &&
         ::setsockopt(descriptor, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on) == 0 &&
         ::bind(descriptor, reinterpret_cast<const sockaddr*>(&name), sizeof name) == 0 &&
-        ::listen(descriptor, kBacklog) == 0) {
+        ::listen(descriptor, backlog) == 0) {
         return descriptor;
     }
     reason = std::strerror(errno);
@@ -42,7 +40,8 @@ int Listen(const std::string& address, std::uint16_t port, std::string& reason) 
     return -1;
 }
 
-/// Reports leave at once; a client that vanished without a word is found out after some 90 s.
+/// What is written leaves at once; a client that vanished without a word is found out after some
+/// 90 s, or enough of them would leave no place for others.
 void SetUpConnection(int descriptor) {
     const auto set = [&](int level, int name, int value) {
         ::setsockopt(descriptor, level, name, &value, sizeof value);
@@ -56,38 +55,41 @@ void SetUpConnection(int descriptor) {
 
 } // namespace
 
-CListener::~CListener() {
+TCPListener::~TCPListener() {
     if (m_descriptor >= 0) {
         ::close(m_descriptor);
     }
 }
 
-void CListener::Start(const std::string& address, std::uint16_t port) {
+bool TCPListener::Start(const std::string& address, std::uint16_t port, int backlog,
+                        std::function<void(const std::string&)> report) {
     m_address = address;
     m_port = port;
+    m_backlog = backlog;
+    m_report = std::move(report);
     m_hasStarted = true;
-    TryToListen();
+    return TryToListen();
 }
 
-void CListener::TryAgain() {
+void TCPListener::TryAgain() {
     if (m_hasStarted && m_descriptor < 0 && m_nextAttempt.HasExpired()) {
         TryToListen();
     }
 }
 
-void CListener::TryToListen() {
-    m_nextAttempt = Core::MonotonicTime::Now() + kRetry;
+bool TCPListener::TryToListen() {
+    m_nextAttempt = MonotonicTime::Now() + kRetry;
     std::string reason;
-    m_descriptor = Listen(m_address, m_port, reason);
+    m_descriptor = Listen(m_address, m_port, m_backlog, reason);
     if (m_descriptor < 0 && reason != m_toldReason) {
-        deprintf("gpsd: cannot listen on %s:%d: %s; trying again every 10 s. A gpsd that runs here "
-                 "itself must be stopped, or another port chosen (--gpsd-port).\n",
-                 m_address.c_str(), m_port, reason.c_str());
+        m_report("cannot listen on " + m_address + ":" + std::to_string(m_port) + ": " + reason +
+                 "; trying again every 10 s");
     }
     m_toldReason = reason;
+    return m_descriptor >= 0;
 }
 
-std::uint16_t CListener::Port() const {
+std::uint16_t TCPListener::Port() const {
     sockaddr_in name{};
     socklen_t length = sizeof name;
     if (::getsockname(m_descriptor, reinterpret_cast<sockaddr*>(&name), &length) != 0) {
@@ -97,26 +99,26 @@ std::uint16_t CListener::Port() const {
 }
 
 /// None while it rests, or the loop would spin on connections that cannot be accepted.
-int CListener::Descriptor() const {
+int TCPListener::Descriptor() const {
     return m_acceptAgain.HasExpired() ? m_descriptor : -1;
 }
 
-int CListener::Accept() {
-    while (Descriptor() >= 0) {
-        int descriptor = ::accept4(m_descriptor, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
-        if (descriptor < 0) {
-            if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
-                m_acceptAgain = Core::MonotonicTime::Now() + kRest;
-            }
-            if (errno != ECONNABORTED && errno != EINTR) {
-                return -1;
-            }
-        } else if ((descriptor = Core::IO::KeepSelectable(descriptor)) >= 0) {
-            SetUpConnection(descriptor);
-            return descriptor;
+int TCPListener::Accept() {
+    int descriptor = -1;
+    do {
+        descriptor = ::accept4(m_descriptor, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+    } while (descriptor < 0 && (errno == ECONNABORTED || errno == EINTR));
+    if (descriptor < 0) {
+        if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
+            m_acceptAgain = MonotonicTime::Now() + kRest;
         }
+        return -1;
     }
-    return -1;
+    descriptor = KeepSelectable(descriptor);
+    if (descriptor >= 0) {
+        SetUpConnection(descriptor);
+    }
+    return descriptor;
 }
 
-} // namespace Hub::GPSD
+} // namespace Core::IO
