@@ -24,7 +24,7 @@ import tempfile
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-HTTP_PORT, GPSD_PORT = 8080, 2947
+HTTP_PORT, GPSD_PORT, MULTIPLEXER_PORT = 8080, 2947, 5309
 SETTLING = 3.0  # seconds
 
 
@@ -43,10 +43,13 @@ class Client:
         now = time.time()
         if not data:
             raise SystemExit("the hub has closed a connection")
-        *lines, self._rest = (self._rest + data).split(b"\n")
+        *lines, self._rest = (self._rest + self.plain(data)).split(b"\n")
         if measuring:
             for line in lines:
                 self.look(line.strip(), now)
+
+    def plain(self, data: bytes) -> bytes:
+        return data
 
     def look(self, line: bytes, now: float) -> None:
         raise NotImplementedError
@@ -55,6 +58,24 @@ class Client:
 class Dashboard(Client):
     def __init__(self) -> None:
         super().__init__(HTTP_PORT, b"GET /api/stream HTTP/1.1\r\nHost: localhost\r\n\r\n")
+        self._chunks: bytes | None = None  # what came of them and is not taken yet
+
+    def plain(self, data: bytes) -> bytes:
+        """Without the head of the answer and the lengths of its chunks (RFC 9112, section 7.1)."""
+        if self._chunks is None:
+            head, _, data = data.partition(b"\r\n\r\n")
+            if b" 200 " not in head:
+                raise SystemExit(f"no stream: {head!r}")
+            self._chunks = b""
+        self._chunks += data
+        taken = b""
+        while b"\r\n" in self._chunks:
+            length, _, rest = self._chunks.partition(b"\r\n")
+            size = int(length, 16)
+            if len(rest) < size + 2:
+                break
+            taken, self._chunks = taken + rest[:size], rest[size + 2:]
+        return taken
 
     def look(self, line: bytes, now: float) -> None:
         if line.startswith(b'data: {"base"'):  # the live view, which names its members in order
@@ -119,6 +140,16 @@ def measure(hub: subprocess.Popen, count: int, seconds: float) -> None:
         client.socket.close()
 
 
+def wait_for_multiplexer() -> None:
+    """What the daemon writes to a port that is not there yet is lost, and costs it half a minute."""
+    for _ in range(500):
+        with socket.socket() as probe:
+            if probe.connect_ex(("127.0.0.1", MULTIPLEXER_PORT)) == 0:
+                return
+        time.sleep(0.02)
+    raise SystemExit("no multiplexer within 10 s")
+
+
 def wait_for_position() -> None:
     end = time.monotonic() + 40.0
     while time.monotonic() < end:
@@ -155,7 +186,10 @@ def main() -> None:
                                      "--port", f"52={devices}/usb2"]),
                     ("corvane", ["-p"])):
                 running.append(subprocess.Popen([options.programs / program, *arguments],
-                                                env=environment, stderr=subprocess.DEVNULL))
+                                                env=environment, stdout=subprocess.DEVNULL,
+                                                stderr=subprocess.DEVNULL))
+                if program == "corvane-mux":
+                    wait_for_multiplexer()
             wait_for_position()
             measure(running[0], 1, options.seconds)
             measure(running[0], options.clients, options.seconds)

@@ -106,6 +106,8 @@ class Programs:
                 self._running[name] = subprocess.Popen(
                     [programs / name, *arguments], env=environment, stdin=subprocess.DEVNULL,
                     stdout=log, stderr=log)
+            if name == "corvane-mux":
+                wait_for(MULTIPLEXER_PORT)
 
     def ended(self) -> str | None:
         """What one that has ended of itself said; nothing while all run."""
@@ -125,6 +127,13 @@ class Programs:
 def is_busy(port: int) -> bool:
     with socket.socket() as probe:
         return probe.connect_ex(("127.0.0.1", port)) == 0
+
+
+def wait_for(port: int) -> None:
+    """What the daemon writes to a port that is not there yet is lost, and costs it half a minute."""
+    end = time.monotonic() + PATIENCE
+    while not is_busy(port) and time.monotonic() < end:
+        time.sleep(0.02)
 
 
 def free_port(wanted: int) -> int:

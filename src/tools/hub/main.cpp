@@ -6,6 +6,8 @@
 #include "platform/EndSignals.h"
 #include "platform/Process.h"
 
+#include <systemd/sd-daemon.h>
+
 int main(int argc, char* argv[]) {
     Core::Utilities::PrepareProcess();
     Hub::SSettings settings;
@@ -19,6 +21,7 @@ int main(int argc, char* argv[]) {
         deprintf("corvane-hub: %s\n", why.c_str());
         return static_cast<int>(Hub::EStatus::failed);
     }
+    sd_notify(0, "READY=1"); // who publishes is taken from now on
     hub.Run(blocked);
     return static_cast<int>(Hub::EStatus::ended);
 }

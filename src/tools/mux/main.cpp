@@ -6,6 +6,8 @@
 #include "platform/EndSignals.h"
 #include "platform/Process.h"
 
+#include <systemd/sd-daemon.h>
+
 namespace {
 
 int ToInt(Mux::EStatus status) {
@@ -26,6 +28,9 @@ int main(int argc, char* argv[]) {
         deprintf("corvane-mux: not one port can be served\n");
         return ToInt(Mux::EStatus::failed);
     }
+    // The daemon shall find its ports when it is started next: what it writes to a port that is not
+    // there is lost, and it looks again only when the port has been silent for long.
+    sd_notify(0, "READY=1");
     multiplexer.Run(blocked);
     return ToInt(Mux::EStatus::ended);
 }

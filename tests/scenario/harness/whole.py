@@ -28,8 +28,11 @@ class WholeSystem(Muxed):
         return simulator
 
     def multiplex(self, simulator: Simulator) -> Mux:
-        return self.mux(f"--port=50={simulator.device('com1')}",
-                        f"--port=52={simulator.device('usb2')}")
+        """Served already: what the daemon writes to a port that is not there yet is lost."""
+        mux = self.mux(f"--port=50={simulator.device('com1')}",
+                       f"--port=52={simulator.device('usb2')}")
+        mux.wait_for_line("^remote procedures: served")
+        return mux
 
     def daemon(self, settings: str = "") -> Daemon:
         """As it is started without arguments, but for its priority."""

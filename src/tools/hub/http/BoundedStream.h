@@ -53,7 +53,7 @@ private:
     TQuestion m_shallEnd;
     TMoment m_deadline;
     std::size_t m_received = 0; ///< of the present request
-    char m_buffer[4096];        ///< lines are asked for byte by byte
+    char m_buffer[4096]{};      ///< lines are asked for byte by byte
     std::size_t m_begin = 0;
     std::size_t m_end = 0;
 };
