@@ -13,6 +13,8 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wformat=2 -Wcast-align -W
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     # Cries wolf on "literal" + std::string (GCC bug 105651).
     add_compile_options(-Wno-restrict)
+    # Tells the compiler cache which precompiled header a file uses.
+    add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fpch-preprocess>)
 endif()
 if(CORVANE_WARNINGS_ARE_ERRORS)
     add_compile_options(-Werror)
@@ -32,8 +34,9 @@ endif()
 find_program(CORVANE_CCACHE ccache)
 if(CORVANE_CCACHE)
     # Paths below the checkout count as relative, so that every checkout shares what one has built.
+    # The sloppiness is what precompiled headers take (ccache's manual, "Precompiled headers").
     set(CORVANE_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}
-        CCACHE_NOHASHDIR=true ${CORVANE_CCACHE})
+        CCACHE_NOHASHDIR=true CCACHE_SLOPPINESS=pch_defines,time_macros ${CORVANE_CCACHE})
     set(CMAKE_C_COMPILER_LAUNCHER ${CORVANE_LAUNCHER})
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CORVANE_LAUNCHER})
 endif()

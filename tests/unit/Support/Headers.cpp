@@ -1,0 +1,1 @@
+// Belongs to the target whose precompiled headers all unit tests use.
