@@ -173,9 +173,10 @@ class HubMQTT(Hubbed):
         broker.start()
         subscriber = self.subscriber()
         self.wait_for_texts(subscriber, ["first", "second"])
-        raised, cleared = [each.json()["raised"] for each in
-                           subscriber.heard(f"{OURS}/diagnostic/79141/2/CPositionManager")][:2]
-        self.assertEqual((raised, cleared), (True, False))
+        topic = f"{OURS}/diagnostic/79141/2/CPositionManager"
+        subscriber.wait_for(topic, 2)
+        self.assertEqual([each.json()["raised"] for each in subscriber.heard(topic)[:2]],
+                         [True, False])
         subscriber.wait_for(f"{OURS}/status/NovatelPortHandler/key")
         hub.wait_for_error("The MQTT broker 127.0.0.1:1883: connected")
 
