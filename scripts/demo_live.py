@@ -81,10 +81,11 @@ class View:
             ("commands sent", str(len(self.commands))),
             ("logs", ", ".join(f"{count} {name}" for name, count in most)),
             ("sentences", "; ".join(checksums)),
+            ("", "(rejected: mostly bytes inside binary logs that look like a sentence)"),
             ("status values", f"{len(self.panel.get('statuses', []))} keys"),
             ("error events", str(len(self.errors))),
         ]
-        return "\n".join(f"  {name + ':':16} {value}" for name, value in rows)
+        return "\n".join(f"  {name + ':' if name else '':16} {value}" for name, value in rows)
 
 
 class Programs:
