@@ -43,6 +43,19 @@ void SocketCollectionC::Service(const fd_set& readSet, const fd_set& writeSet) {
     }
 }
 
+int SocketCollectionC::WaitAndService(const timespec& longest, const sigset_t& blocked) {
+    fd_set readSet;
+    fd_set writeSet;
+    FD_ZERO(&readSet);
+    FD_ZERO(&writeSet);
+    const int highest = AddToSets(readSet, writeSet);
+    const int ready = pselect(highest + 1, &readSet, &writeSet, nullptr, &longest, &blocked);
+    if (ready >= 0) { // else the sets say nothing
+        Service(readSet, writeSet);
+    }
+    return ready;
+}
+
 void SocketCollectionC::EndPass() {
     for (std::size_t i = 0; i < m_sockets.size(); ++i) {
         m_sockets[i]->EndPass();

@@ -5,7 +5,6 @@
 #include "platform/EndSignals.h"
 
 #include <string_view>
-#include <sys/select.h>
 
 namespace Hub {
 
@@ -123,19 +122,13 @@ void CHub::Run(const sigset_t& blocked) {
 }
 
 void CHub::Pass(const sigset_t& blocked) {
-    fd_set readSet;
-    fd_set writeSet;
-    FD_ZERO(&readSet);
-    FD_ZERO(&writeSet);
-    const int highest = m_sockets.AddToSets(readSet, writeSet);
-    const int ready = pselect(highest + 1, &readSet, &writeSet, nullptr, &kPass, &blocked);
+    const int ready = m_sockets.WaitAndService(kPass, blocked);
     if (ready < 0) {
-        return; // a signal; the sets say nothing then
+        return;
     }
     if (ready == 0) {
         m_services.Idle();
     }
-    m_sockets.Service(readSet, writeSet);
     for (CHubObserver* const observer : m_observers) {
         observer->EndPass();
     }

@@ -3,8 +3,6 @@
 #include "platform/DebugPrint.h"
 #include "platform/EndSignals.h"
 
-#include <sys/select.h>
-
 namespace Mux {
 
 namespace {
@@ -51,19 +49,13 @@ void CMultiplexer::Run(const sigset_t& blocked) {
 }
 
 void CMultiplexer::Pass(const sigset_t& blocked) {
-    fd_set readSet;
-    fd_set writeSet;
-    FD_ZERO(&readSet);
-    FD_ZERO(&writeSet);
-    const int highest = m_sockets.AddToSets(readSet, writeSet);
-    const int ready = pselect(highest + 1, &readSet, &writeSet, nullptr, &kPass, &blocked);
+    const int ready = m_sockets.WaitAndService(kPass, blocked);
     if (ready < 0) {
-        return; // a signal; the sets say nothing then
+        return;
     }
     if (ready == 0) {
         m_server.Idle();
     }
-    m_sockets.Service(readSet, writeSet);
     m_sockets.EndPass();
 }
 

@@ -1,13 +1,13 @@
 """The hub as its operator sees it: arguments, output, status, and the ports that it listens on."""
 
 import contextlib
-import os
 import signal
 import socket
 import subprocess
 from pathlib import Path
 
 from harness import places
+from harness.resources import sample
 from harness.waiting import PATIENCE, wait_until
 
 SERVICES_PORT, HTTP_PORT, GPSD_PORT = 10001, 8080, 2947
@@ -82,13 +82,8 @@ class Hub:
             self._process.kill()
         self._process.wait()
 
-    def processor_seconds(self) -> float:
-        fields = Path(f"/proc/{self.pid}/stat").read_text().rpartition(")")[2].split()
-        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
-
     def memory_kib(self) -> int:
-        lines = Path(f"/proc/{self.pid}/status").read_text().splitlines()
-        return int(next(line for line in lines if line.startswith("VmRSS")).split()[1])
+        return sample(self.pid).rss_kib
 
     def descriptors(self) -> int:
-        return len(os.listdir(f"/proc/{self.pid}/fd"))
+        return sample(self.pid).descriptors

@@ -2,7 +2,6 @@
 
 import contextlib
 import json
-import os
 import re
 import signal
 import socket
@@ -12,6 +11,7 @@ import time
 from pathlib import Path
 
 from harness import places
+from harness.resources import sample
 from harness.waiting import PATIENCE, wait_until
 
 RPC_PORT = 5309
@@ -75,15 +75,13 @@ class Mux:
         self._process.wait()
 
     def processor_seconds(self) -> float:
-        fields = Path(f"/proc/{self.pid}/stat").read_text().rpartition(")")[2].split()
-        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+        return sample(self.pid).processor_seconds
 
     def memory_kib(self) -> int:
-        lines = Path(f"/proc/{self.pid}/status").read_text().splitlines()
-        return int(next(line for line in lines if line.startswith("VmRSS")).split()[1])
+        return sample(self.pid).rss_kib
 
     def descriptors(self) -> int:
-        return len(os.listdir(f"/proc/{self.pid}/fd"))
+        return sample(self.pid).descriptors
 
 
 class PortClient:

@@ -1,8 +1,10 @@
 #include "platform/SocketCollection.h"
 
+#include <csignal>
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
+#include <unistd.h>
 
 namespace {
 
@@ -144,4 +146,50 @@ TEST_F(SocketCollection, serves_a_member_that_joins_while_another_is_served) {
     m_collection.Service(m_readSet, m_writeSet);
     EXPECT_EQ(CFakeSocket::log, "1 2 after 1 after 2 ");
     EXPECT_FALSE(joining.wasReadable);
+}
+
+TEST(SocketCollectionWaiting, waits_until_a_member_is_ready_and_serves_it) {
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    ASSERT_EQ(::write(ends[1], "x", 1), 1);
+    CFakeSocket socket(ends[0], false);
+    SocketCollectionC sockets;
+    sockets.Add(&socket);
+    sigset_t none;
+    sigemptyset(&none);
+    EXPECT_EQ(sockets.WaitAndService({60, 0}, none), 1);
+    EXPECT_TRUE(socket.wasReadable);
+    ::close(ends[0]);
+    ::close(ends[1]);
+}
+
+TEST(SocketCollectionWaiting, serves_its_members_also_when_none_has_become_ready) {
+    CFakeSocket socket(-1, false);
+    SocketCollectionC sockets;
+    sockets.Add(&socket);
+    sigset_t none;
+    sigemptyset(&none);
+    EXPECT_EQ(sockets.WaitAndService({0, 1'000'000}, none), 0);
+    EXPECT_EQ(socket.services, 1);
+    EXPECT_FALSE(socket.wasReadable);
+}
+
+TEST(SocketCollectionWaiting, serves_nobody_when_a_signal_comes_while_it_waits) {
+    CFakeSocket socket(-1, false);
+    SocketCollectionC sockets;
+    sockets.Add(&socket);
+    sigset_t wanted;
+    sigset_t before;
+    sigemptyset(&wanted);
+    sigaddset(&wanted, SIGUSR1);
+    ::sigprocmask(SIG_BLOCK, &wanted, &before);
+    struct sigaction caught {};
+    struct sigaction usual {};
+    caught.sa_handler = [](int) {};
+    ::sigaction(SIGUSR1, &caught, &usual);
+    std::raise(SIGUSR1);
+    EXPECT_LT(sockets.WaitAndService({60, 0}, before), 0);
+    EXPECT_EQ(socket.services, 0);
+    ::sigaction(SIGUSR1, &usual, nullptr);
+    ::sigprocmask(SIG_SETMASK, &before, nullptr);
 }

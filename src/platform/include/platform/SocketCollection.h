@@ -1,6 +1,8 @@
 // The sockets that the main loop serves beside the receiver's ports.
 #pragma once
 
+#include <csignal>
+#include <ctime>
 #include <sys/select.h>
 #include <vector>
 
@@ -35,6 +37,11 @@ public:
 
     /// Serves every member, telling it what the sets say of its descriptor.
     void Service(const fd_set& readSet, const fd_set& writeSet);
+
+    /// For a program that has nothing else to wait for: waits until a member is ready, at most so
+    /// long, with only these signals blocked, and serves every member. Returns how many were ready;
+    /// a negative number, and nobody was served, when a signal has come.
+    int WaitAndService(const timespec& longest, const sigset_t& blocked);
 
     void EndPass();
 
